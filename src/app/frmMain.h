@@ -1,0 +1,87 @@
+#pragma once
+#include "Host.h"
+#include "ProgramList.h"
+#include "ProgramListModel.h"
+#include "Startup.h"
+
+#include <QWidget>
+#include <array>
+#include <functional>
+
+class QFrame;
+class QLabel;
+class QLineEdit;
+class QListView;
+class QPlainTextEdit;
+class QPushButton;
+class QTabBar;
+
+namespace ql {
+
+class frmMain : public QWidget, public MainFormOps {
+    Q_OBJECT
+public:
+    static constexpr int kTabCount = 24;
+
+    explicit frmMain(Host& host, QWidget* parent = nullptr);
+
+    // The start-up: finds the catalogue in the current folder, asks the first-run question, fills
+    // the tabs and lists tab 0. False when the program is to end.
+    bool Form_Load(const QString& currentFolder);
+
+    // MainFormOps
+    void loadTabs() override;
+    void GeneralInit() override;
+    void CategoryTabs_TabActivate(int tabToActivate) override;
+    QString cataloguePath() const override { return cataloguePath_; }
+
+    void UpdateListBox(const QString& caption);
+    void prgList_Click();
+    void prgList_DblClick();
+
+    // State that lives between events.
+    QString atariDir() const { return atariDir_; }
+    QString windowsVersion() const { return windowsVersion_; }
+    int currentTab() const { return currentTab_; }
+    QString searchText() const { return searchText_; }
+    QString lastProgramName() const { return lastProgramName_; }
+    // The ProgramCode of the selected row, 0 when none.
+    int selectedProgramCode() const;
+
+    // Controls, by their names.
+    QTabBar* CategoryTabs = nullptr;
+    QLineEdit* txtSearch = nullptr;
+    QListView* prgList = nullptr;
+    std::array<QLabel*, 3> lblLabel{};
+    QLineEdit* txtName = nullptr;
+    QPlainTextEdit* txtDescription = nullptr;
+    QLabel* imgProgramImage = nullptr;
+    std::array<QPushButton*, 3> cmdEdit{};
+    QPushButton* cmdLoadUtilForm = nullptr;
+    QPushButton* cmdClose = nullptr;
+    QFrame* frame8Bit = nullptr;
+    QFrame* frameAtari = nullptr;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void buildControls();
+    void txtSearch_Change();
+    void prgList_KeyPress(const QString& text);
+    // Runs a handler; a failure of the catalogue or the disk is told to the user, never fatal.
+    void guarded(const std::function<void()>& handler);
+
+    Host& host_;
+    ProgramListModel model_;
+    CategoryList categoryList_;
+    QString cataloguePath_;
+    QString atariDir_;
+    QString windowsVersion_;
+    int currentTab_ = 0;
+    QString searchText_;
+    QString lastProgramName_;
+    bool dragPending_ = false;
+};
+
+} // namespace ql

@@ -1,0 +1,136 @@
+#include "frmMain.h"
+#include "TestWorld.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QPlainTextEdit>
+#include <QTabBar>
+#include <QTest>
+#include <gtest/gtest.h>
+
+using namespace ql;
+using namespace ql::test;
+
+namespace {
+
+class MainFormTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        world.makeCatalogue();
+        auto c = world.open();
+        c->updateTab(2, "Demo's", "");
+        c->updateTab(4, "", "");
+        for (const char* name : {"Star Raiders", "Archon", "Zaxxon", "Yars' Revenge", "Boulder Dash"})
+            c->addProgram(program("Games", name, QString("/atari/%1.atr").arg(name)));
+        c->addProgram(program("Games", "Read Me", "/atari/readme.zip"));
+        c->addProgram(program("Demo's", "Numen", "/atari/numen.xex"));
+        c->addProgram(program("Demo's", "Starfield", "/atari/starfield.xex"));
+        ProgramRecord described = program("Games", "Archon", "/atari/archon2.xex");
+        described.description = "Chess with fights";
+        c->addProgram(described);
+        form = std::make_unique<frmMain>(world.fake().host());
+        ASSERT_TRUE(form->Form_Load(world.root()));
+    }
+
+    std::vector<QString> listed() const {
+        std::vector<QString> names;
+        auto* model = form->prgList->model();
+        for (int i = 0; i < model->rowCount(); ++i)
+            names.push_back(model->index(i, 0).data().toString());
+        return names;
+    }
+    QString files() const { return form->lblLabel[1]->text(); }
+
+    TestWorld world;
+    std::unique_ptr<frmMain> form;
+};
+
+} // namespace
+
+TEST_F(MainFormTest, StartsOnTabZeroWithCountersAndSelection) {
+    EXPECT_EQ(form->windowTitle(), "Quaylight");
+    EXPECT_EQ(form->CategoryTabs->count(), 24);
+    EXPECT_EQ(form->CategoryTabs->tabText(0), "Games");
+    EXPECT_EQ(form->CategoryTabs->tabText(1), "Demo's");
+    EXPECT_FALSE(form->CategoryTabs->isTabVisible(3)) << "a tab without a caption is not shown";
+    EXPECT_EQ(listed(), (std::vector<QString>{"Archon", "Archon", "Boulder Dash", "Star Raiders",
+                                              "Yars' Revenge", "Zaxxon"}));
+    EXPECT_EQ(files(), "Files: 6");
+    EXPECT_EQ(form->lblLabel[2]->text(), "Total: 9");
+    EXPECT_EQ(form->prgList->currentIndex().row(), 0);
+    EXPECT_EQ(form->txtName->text(), "Archon");
+    for (const char* name : {"CategoryTabs", "txtSearch", "prgList", "lblLabel_1", "lblLabel_2", "txtName",
+                             "txtDescription", "imgProgramImage", "cmdEdit_0", "cmdEdit_2", "cmdLoadUtilForm",
+                             "cmdClose", "frame8Bit", "frameAtari"})
+        EXPECT_NE(form->findChild<QWidget*>(name), nullptr) << name;
+}
+
+TEST_F(MainFormTest, FilterAsYouTypeAcrossTabs) {
+    QTest::keyClicks(form->txtSearch, "STAR");
+    EXPECT_EQ(listed(), std::vector<QString>{"Star Raiders"});
+    EXPECT_EQ(files(), "Files: 1");
+    form->CategoryTabs->setCurrentIndex(1);
+    EXPECT_EQ(form->currentTab(), 1);
+    EXPECT_EQ(listed(), std::vector<QString>{"Starfield"}) << "the filter stays when the tab changes";
+    form->txtSearch->clear();
+    EXPECT_EQ(listed(), (std::vector<QString>{"Numen", "Starfield"}));
+    form->CategoryTabs_TabActivate(0);
+    QTest::keyClicks(form->txtSearch, "s' r");
+    EXPECT_EQ(listed(), std::vector<QString>{"Yars' Revenge"}) << "a quote is an ordinary character";
+}
+
+TEST_F(MainFormTest, NoMatchKeepsTheLastProgramOnShow) {
+    form->prgList->setCurrentIndex(form->prgList->model()->index(3, 0));
+    EXPECT_EQ(form->txtName->text(), "Star Raiders");
+    form->txtSearch->setText("nothing like it");
+    EXPECT_TRUE(listed().empty());
+    EXPECT_EQ(files(), "Files: 0");
+    EXPECT_EQ(form->txtName->text(), "Star Raiders");
+}
+
+TEST_F(MainFormTest, EmptyCaptionLeavesTheListAlone) {
+    const auto before = listed();
+    form->UpdateListBox(QString());
+    form->CategoryTabs_TabActivate(3);
+    EXPECT_EQ(listed(), before);
+    EXPECT_EQ(files(), "Files: 6");
+}
+
+TEST_F(MainFormTest, TypingInTheListExtendsTheFilter) {
+    form->prgList->setFocus();
+    QTest::keyClicks(form->prgList, "ar");
+    EXPECT_EQ(form->txtSearch->text(), "ar");
+    EXPECT_EQ(form->searchText(), "ar");
+    EXPECT_EQ(listed(), (std::vector<QString>{"Archon", "Archon", "Star Raiders", "Yars' Revenge"}));
+    QTest::keyClick(form->prgList, Qt::Key_Backspace);
+    EXPECT_EQ(form->txtSearch->text(), "ar") << "Backspace in the list deletes nothing";
+    QTest::keyClick(form->prgList, Qt::Key_Return);
+    EXPECT_EQ(form->txtSearch->text(), "ar") << "Enter launches and leaves the filter";
+}
+
+TEST_F(MainFormTest, DescriptionOfTheSelectedRow) {
+    form->prgList->setCurrentIndex(form->prgList->model()->index(1, 0));
+    const bool second = form->txtDescription->toPlainText() == "Chess with fights";
+    form->prgList->setCurrentIndex(form->prgList->model()->index(0, 0));
+    const bool first = form->txtDescription->toPlainText() == "Chess with fights";
+    EXPECT_NE(first, second) << "one of the two Archons carries the description";
+}
+
+TEST(MainFormStart, EndsWithoutACatalogue) {
+    TestWorld world;
+    frmMain form(world.fake().host());
+    EXPECT_FALSE(form.Form_Load(world.root()));
+    ASSERT_EQ(world.fake().dialogs.messages.size(), 1u);
+    EXPECT_TRUE(world.fake().dialogs.messages[0].startsWith("Error! - Cannot locate Atari.mdb"));
+}
+
+TEST(MainFormStart, ANonCatalogueIsToldAndLeftAlone) {
+    TestWorld world;
+    world.writeFile("Atari.mdb",
+                    QByteArray("Standard Jet DB").prepend(QByteArray(4, '\0')).leftJustified(4096, '\0'));
+    frmMain form(world.fake().host());
+    EXPECT_FALSE(form.Form_Load(world.root()));
+    ASSERT_EQ(world.fake().dialogs.messages.size(), 1u);
+    EXPECT_TRUE(world.fake().dialogs.messages[0].contains("not a Quaylight catalogue"));
+}

@@ -1,0 +1,102 @@
+#include "Startup.h"
+#include "TestWorld.h"
+
+#include <gtest/gtest.h>
+
+using namespace ql;
+using namespace ql::test;
+
+namespace {
+const QString kMissing = "Error! - Cannot locate Atari.mdb - please check the properties of this shortcut";
+const QString kNoLocation = "Fatal Error! - You must supply a location!";
+} // namespace
+
+TEST(Startup, NoCatalogueInTheCurrentFolder) {
+    TestWorld world;
+    FakeHost& f = world.fake();
+    const auto r = startUp(f.host(), world.root());
+    EXPECT_FALSE(r.proceed);
+    EXPECT_EQ(f.dialogs.messages, std::vector<QString>{kMissing});
+}
+
+TEST(Startup, FirstRunAnswers) {
+    struct Case {
+        const char* answer; // nullptr: Cancel
+        bool proceeds;
+        const char* atariDir;
+        const char* file1;
+        const char* cart;
+    };
+    const Case cases[] = {
+        {nullptr, false, "", "D:\\Atari\\Games\\a.atr", "D:\\Atari\\c.rom"},
+        {"   ", false, "", "D:\\Atari\\Games\\a.atr", "D:\\Atari\\c.rom"},
+        {"D:\\Atari", true, "D:\\Atari\\", "D:\\Atari\\Games\\a.atr", "D:\\Atari\\c.rom"},
+        {"E:\\Atari\\", true, "E:\\Atari\\", "E:\\Atari\\Games\\a.atr", "E:\\Atari\\c.rom"},
+        {"e:\\Elsewhere", true, "e:\\Elsewhere\\", "e:\\Atari\\Games\\a.atr", "e:\\Atari\\c.rom"},
+        {"  F:\\Atari  ", true, "F:\\Atari\\", "F:\\Atari\\Games\\a.atr", "F:\\Atari\\c.rom"},
+        {"/home/user/Atari", true, "/home/user/Atari/", "D:\\Atari\\Games\\a.atr", "D:\\Atari\\c.rom"},
+        {"/home/user/Atari/", true, "/home/user/Atari/", "D:\\Atari\\Games\\a.atr", "D:\\Atari\\c.rom"},
+    };
+    for (const Case& c : cases) {
+        TestWorld world;
+        world.makeCatalogue(false);
+        {
+            auto cat = world.open();
+            cat->addProgram(program("Games", "a", "D:\\Atari\\Games\\a.atr"));
+            cat->addCartridge("c", "D:\\Atari\\c.rom");
+        }
+        FakeHost& f = world.fake();
+        if (c.answer) f.dialogs.inputAnswers.push_back(QString::fromUtf8(c.answer));
+        const auto r = startUp(f.host(), world.root());
+        EXPECT_EQ(r.proceed, c.proceeds) << c.answer;
+        auto cat = world.open();
+        const auto config = cat->config();
+        EXPECT_EQ(config.has_value(), c.proceeds) << c.answer;
+        if (config) {
+            EXPECT_EQ(config->atariDir, QString::fromUtf8(c.atariDir)) << c.answer;
+            EXPECT_EQ(config->windowsVersion, "XP");
+            EXPECT_EQ(r.atariDir, QString::fromUtf8(c.atariDir));
+            EXPECT_TRUE(f.dialogs.messages.empty());
+        } else {
+            EXPECT_EQ(f.dialogs.messages, std::vector<QString>{kNoLocation});
+        }
+        EXPECT_EQ(cat->programsByTabNumber(0)[0].fileName1, QString::fromUtf8(c.file1)) << c.answer;
+        EXPECT_EQ(cat->cartridges()[0].cartPath, QString::fromUtf8(c.cart)) << c.answer;
+    }
+}
+
+TEST(Startup, CancelAsksAgainNextTimeAndASecondStartAsksNothing) {
+    TestWorld world;
+    world.makeCatalogue(false);
+    FakeHost& f = world.fake();
+    EXPECT_FALSE(startUp(f.host(), world.root()).proceed);
+    EXPECT_EQ(f.dialogs.prompts.size(), 1u);
+    f.dialogs.inputAnswers.push_back("/srv/atari");
+    EXPECT_TRUE(startUp(f.host(), world.root()).proceed);
+    EXPECT_EQ(f.dialogs.prompts.size(), 2u);
+    const auto third = startUp(f.host(), world.root());
+    EXPECT_TRUE(third.proceed);
+    EXPECT_EQ(f.dialogs.prompts.size(), 2u);
+    EXPECT_EQ(third.atariDir, "/srv/atari/");
+}
+
+TEST(Startup, StoredValuesAreTrimmedOnly) {
+    TestWorld world;
+    world.makeCatalogue(false);
+    world.open()->addConfig({" 98 ", "  /srv/atari  "});
+    const auto r = startUp(world.fake().host(), world.root());
+    EXPECT_EQ(r.windowsVersion, "98");
+    EXPECT_EQ(r.atariDir, "/srv/atari") << "no separator is added to a stored folder";
+}
+
+TEST(Total, EverythingRowsOrAllRows) {
+    TestWorld world;
+    world.makeCatalogue();
+    auto c = world.open();
+    EXPECT_EQ(catalogueTotal(*c), 0);
+    c->addProgram(program("Games", "a", "/a.atr"));
+    c->addProgram(program("Games", "b", "/b.atr"));
+    EXPECT_EQ(catalogueTotal(*c), 2);
+    c->addProgram(program("Everything", "a", "/a.atr"));
+    EXPECT_EQ(catalogueTotal(*c), 1);
+}
