@@ -44,12 +44,49 @@ TEST(ListRows, FiltersOrdersAndSkipsUnknownFiles) {
         {"'", {}},
         {"man", {}}, // only in a row whose extension is not listed
     };
+    CategoryList kept;
     for (const Case& k : cases) {
-        std::vector<QString> names;
+        std::vector<QString> fromQuery, fromKept;
         for (const ListRow& r : listRows(*c, "Games", k.filter))
-            names.push_back(r.name);
-        EXPECT_EQ(names, k.names) << "filter '" << k.filter << "'";
+            fromQuery.push_back(r.name);
+        for (const ListRow& r : kept.rows(world.path("Atari.mdb"), "Games", k.filter))
+            fromKept.push_back(r.name);
+        EXPECT_EQ(fromQuery, k.names) << "filter '" << k.filter << "'";
+        EXPECT_EQ(fromKept, k.names) << "kept rows, filter '" << k.filter << "'";
     }
+}
+
+// The kept rows must never show a catalogue older than the file: any commit, by any
+// connection, is seen at the next keystroke.
+TEST(CategoryList, SeesEveryCommit) {
+    TestWorld world;
+    world.makeCatalogue();
+    const QString path = world.path("Atari.mdb");
+    CategoryList kept;
+    const auto names = [&](const QString& caption, const QString& filter) {
+        std::vector<QString> n;
+        for (const ListRow& r : kept.rows(path, caption, filter))
+            n.push_back(r.name);
+        return n;
+    };
+    int code = 0;
+    {
+        auto c = world.open();
+        code = c->addProgram(program("Games", "Archon", "/a.atr"));
+    }
+    EXPECT_EQ(names("Games", ""), std::vector<QString>{"Archon"});
+    world.open()->addProgram(program("Games", "Zaxxon", "/z.atr"));
+    EXPECT_EQ(names("Games", "a"), (std::vector<QString>{"Archon", "Zaxxon"}));
+    {
+        auto c = world.open();
+        ProgramRecord r = *c->programByCode(code);
+        r.category = "Favourites";
+        c->updateProgram(r);
+    }
+    EXPECT_EQ(names("Games", "a"), std::vector<QString>{"Zaxxon"});
+    EXPECT_EQ(names("FAVOURITES", ""), std::vector<QString>{"Archon"});
+    world.open()->deleteProgram(code);
+    EXPECT_TRUE(names("Favourites", "").empty());
 }
 
 TEST(ListRows, StopsAt32767) {

@@ -1,0 +1,39 @@
+#!/bin/sh
+# Builds Quaylight, writes a demo collection and starts the program on it. With no display it
+# runs under Xvfb, writes a screenshot of the main form and ends. Safe to run twice.
+set -eu
+here=$(cd "$(dirname "$0")/.." && pwd)
+"$here/scripts/setup-deps.sh"
+build="${QUAYLIGHT_BUILD_DIR:-$here/build}"
+cmake -S "$here" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
+cmake --build "$build" -j2
+
+demo="${1:-$here/demo}"
+collection="$demo/collection"
+# The demo keeps its own settings, so the user's own Quaylight settings are never touched.
+export XDG_CONFIG_HOME="$demo/config" XDG_STATE_HOME="$demo/state"
+if [ -e "$collection/.quaylight-demo" ]; then
+  rm -rf -- "$collection"
+elif [ -e "$collection" ]; then
+  echo "demo: $collection exists and is not a demo collection; not touching it" >&2
+  exit 1
+fi
+"$build/tools/cli/quaylight-cli" demo "$collection"
+touch "$collection/.quaylight-demo"
+if [ -x "$here/scripts/write-demo-associations.sh" ]; then
+  "$here/scripts/write-demo-associations.sh" "$build"
+fi
+
+cd "$collection"
+if [ -n "${DISPLAY:-}" ]; then
+  exec "$build/src/app/quaylight"
+fi
+shot="$demo/screenshot.png"
+xvfb-run -a -s "-screen 0 1280x1024x24" sh -c '
+  openbox >/dev/null 2>&1 &
+  "$1" & app=$!
+  sleep 4
+  import -window root "$2"
+  kill "$app" 2>/dev/null || true
+' sh "$build/src/app/quaylight" "$shot"
+echo "demo: no display; the main form's screenshot is $shot"
