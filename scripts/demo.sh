@@ -3,10 +3,8 @@
 # runs under Xvfb, writes a screenshot of the main form and ends. Safe to run twice.
 set -eu
 here=$(cd "$(dirname "$0")/.." && pwd)
-"$here/scripts/setup-deps.sh"
+"$here/scripts/build.sh"
 build="${QUAYLIGHT_BUILD_DIR:-$here/build}"
-cmake -S "$here" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
-cmake --build "$build" -j2
 
 demo="${1:-$here/demo}"
 collection="$demo/collection"

@@ -2,10 +2,8 @@
 # Builds Quaylight and runs the whole test suite. Installs what it needs; safe to run twice.
 set -eu
 here=$(cd "$(dirname "$0")/.." && pwd)
-"$here/scripts/setup-deps.sh"
+"$here/scripts/build.sh"
 build="${QUAYLIGHT_BUILD_DIR:-$here/build}"
-cmake -S "$here" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
-cmake --build "$build" -j2
 cd "$build"
 # Widget tests run offscreen; the X11 tests need a server, so the whole suite runs under one.
 exec xvfb-run -a -s "-screen 0 1280x1024x24" ctest --output-on-failure -j2 --timeout 300
