@@ -1,0 +1,40 @@
+#pragma once
+// The CRC-32 of IEEE 802.3 (the zip and PNG one) as the catalogue stores it: the bit pattern read
+// as a signed 32-bit number, written in plain decimal.
+
+#include "BinaryFileStream.h"
+
+#include <QByteArray>
+#include <QString>
+#include <array>
+#include <cstdint>
+#include <vector>
+
+namespace ql {
+
+class cCRC32 {
+public:
+    // Bytes read per call: large reads keep the pass at the speed of the page cache.
+    static constexpr std::int64_t kChunkSize = 1 << 20;
+
+    cCRC32();
+    std::int32_t GetByteArrayCrc32(const QByteArray& bytes) const;
+    // Reads the stream's open file to its end, which closes it. Errors of the read pass through.
+    std::int32_t GetFileCrc32(cBinaryFileStream& stream);
+    // The reflected table, entry i for the byte i.
+    const std::array<std::int32_t, 256>& table() const { return table_; }
+
+private:
+    std::array<std::int32_t, 256> table_{};
+    std::vector<char> buffer_;
+};
+
+// The stored text of a CRC value: "-873187034", "0", "891568578".
+inline QString crcText(std::int32_t value) {
+    return QString::number(value);
+}
+
+// The value of a file, or 0 when it cannot be opened or read; the walkers want no error here.
+std::int32_t fileCrcOrZero(cCRC32& crc, cBinaryFileStream& stream, const QString& path);
+
+} // namespace ql
