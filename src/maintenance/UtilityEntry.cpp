@@ -1,7 +1,12 @@
 #include "UtilityEntry.h"
+#include "CommonDialog.h"
+#include "frmUtility.h"
 
 namespace ql {
-void showUtilityForm(QWidget*, Host& host, MainFormOps&) {
-    host.dialogs.message(QStringLiteral("The maintenance form is not part of this build yet."));
+void showUtilityForm(QWidget* parent, Host& host, MainFormOps& mainForm) {
+    QtFileDialogs fileDialogs;
+    frmUtility form(host, mainForm, fileDialogs, parent);
+    form.Form_Load();
+    form.exec();
 }
 } // namespace ql

@@ -1,5 +1,6 @@
 #include "DemoCollection.h"
-#include "ProgramList.h"
+#include "LinuxHost.h"
+#include "Rebuild.h"
 #include "Startup.h"
 #include "StringFuncs.h"
 
@@ -7,7 +8,6 @@
 #include <QFile>
 #include <QRandomGenerator>
 #include <stdexcept>
-#include <zlib.h>
 
 namespace ql {
 
@@ -73,16 +73,6 @@ const std::pair<const char*, int> kTabs[] = {
     {"Resident Cartridges", 25},
 };
 
-int typeForExtension(const QString& ext) {
-    static const std::pair<const char*, int> kTypes[] = {
-        {"xex", 0}, {"bin", 0}, {"cas", 0}, {"bas", 0}, {"rom", 0}, {"lst", 0}, {"atr", 1},
-        {"dcm", 1}, {"xfd", 1}, {"xfz", 1}, {"atz", 1}, {"pro", 1}, {"msa", 3}, {"st", 3},
-        {"a26", 4}, {"a52", 5}, {"a78", 6}, {"jag", 7}, {"lnx", 8}};
-    for (const auto& [e, t] : kTypes)
-        if (ext == QLatin1String(e)) return t;
-    return -1;
-}
-
 QByteArray content(const DemoFile& f, quint32 seed) {
     QByteArray bytes(f.size, Qt::Uninitialized);
     QRandomGenerator rng(seed);
@@ -103,12 +93,6 @@ QByteArray content(const DemoFile& f, quint32 seed) {
     return bytes;
 }
 
-QString crcText(const QByteArray& bytes) {
-    const uLong crc = crc32(crc32(0L, Z_NULL, 0), reinterpret_cast<const Bytef*>(bytes.constData()),
-                            static_cast<uInt>(bytes.size()));
-    return QString::number(static_cast<qint32>(static_cast<quint32>(crc)));
-}
-
 } // namespace
 
 void writeDemoCollection(const QString& folder) {
@@ -117,12 +101,15 @@ void writeDemoCollection(const QString& folder) {
     const QString base = WithTrailingSeparator(root.absolutePath());
     const QString cataloguePath = root.absoluteFilePath(kCatalogueFileName);
     Catalogue::create(cataloguePath);
-    Catalogue catalogue(cataloguePath);
-    Transaction t(catalogue);
-    catalogue.addConfig({QStringLiteral("XP"), base});
-    for (const auto& [tabFolder, code] : kTabs)
-        catalogue.updateTab(code, Catalogue::defaultTabNames()[code - 1],
-                            base + QString::fromUtf8(tabFolder) + "/");
+    {
+        Catalogue catalogue(cataloguePath);
+        Transaction t(catalogue);
+        catalogue.addConfig({QStringLiteral("XP"), base});
+        for (const auto& [tabFolder, code] : kTabs)
+            catalogue.updateTab(code, Catalogue::defaultTabNames()[code - 1],
+                                base + QString::fromUtf8(tabFolder) + "/");
+        t.commit();
+    }
 
     quint32 seed = 1979;
     for (const DemoFile& f : kFiles) {
@@ -133,33 +120,12 @@ void writeDemoCollection(const QString& folder) {
         QFile file(path);
         if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
             throw std::runtime_error("Cannot write " + path.toStdString());
-        file.close();
-
-        const QString fileName = QString::fromUtf8(f.name);
-        int tabCode = 0;
-        for (const auto& [tabFolder, code] : kTabs)
-            if (qstrcmp(tabFolder, f.folder) == 0) tabCode = code;
-        if (tabCode == 25) {
-            catalogue.addCartridge(fileName.left(fileName.size() - 4), path);
-            continue;
-        }
-        const QString ext = GetExtension(fileName).toLower();
-        ProgramRecord r;
-        r.category = Catalogue::defaultTabNames()[tabCode - 1];
-        r.tabNumber = tabCode - 1;
-        r.type = typeForExtension(ext);
-        r.name = fileName.left(fileName.lastIndexOf(QLatin1Char('.')));
-        r.fileName1 = QString(path).remove(QLatin1Char(','));
-        r.fileName2 = r.fileName3 = r.fileName4 = QStringLiteral(" ");
-        r.crc = crcText(bytes);
-        r.basic = ext == QLatin1String("bas") || ext == QLatin1String("lst") ||
-                  fileName.contains("basic", Qt::CaseInsensitive);
-        catalogue.addProgram(r);
-        r.category = kEverything;
-        r.tabNumber = kEverythingTabNumber;
-        catalogue.addProgram(r);
     }
-    t.commit();
+
+    // The rows come from the rebuild, as a user's would: every tab with a folder, the resident
+    // cartridges and Everything.
+    LinuxFileSystem fileSystem;
+    rebuildCatalogue(savedTabsRequest(cataloguePath, {}, true, true), fileSystem);
 }
 
 } // namespace ql

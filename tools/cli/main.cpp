@@ -1,19 +1,81 @@
 // quaylight-cli: the command-line companion. Builds catalogues without a display.
 #include "DemoCollection.h"
+#include "LinuxHost.h"
+#include "Rebuild.h"
 #include "Startup.h"
 #include "Store.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <cstdio>
+#include <unistd.h>
 
 namespace {
 
 int usage() {
-    std::fputs("Usage: quaylight-cli init FOLDER    write a new, empty Atari.mdb in FOLDER\n"
-               "       quaylight-cli demo FOLDER    write a demo collection and its catalogue in FOLDER\n",
-               stderr);
+    std::fputs(
+        "Usage: quaylight-cli init FOLDER     write a new, empty Atari.mdb in FOLDER\n"
+        "       quaylight-cli demo FOLDER     write a demo collection and its catalogue in FOLDER\n"
+        "       quaylight-cli rebuild FOLDER [--tabs=N,N...|--tabs=none] [--no-cartridges] "
+        "[--no-everything]\n"
+        "                                     rebuild the catalogue FOLDER/Atari.mdb from the saved tab\n"
+        "                                     folders: by default every tab with a folder (N is the tab's\n"
+        "                                     row, 0 to 23), the resident cartridges and Everything\n",
+        stderr);
     return 2;
+}
+
+struct RebuildOptions {
+    std::vector<int> rows;
+    bool noTabs = false;
+    bool cartridges = true;
+    bool everything = true;
+};
+
+bool parseRebuildOptions(const QStringList& args, RebuildOptions& options) {
+    for (const QString& arg : args) {
+        if (arg == QLatin1String("--no-cartridges")) {
+            options.cartridges = false;
+        } else if (arg == QLatin1String("--no-everything")) {
+            options.everything = false;
+        } else if (arg == QLatin1String("--tabs=none")) {
+            options.noTabs = true;
+        } else if (arg.startsWith(QLatin1String("--tabs="))) {
+            for (const QString& part : arg.mid(7).split(QLatin1Char(','))) {
+                bool ok = false;
+                const int row = part.toInt(&ok);
+                if (!ok || row < 0 || row > ql::kLastTabRow) return false;
+                options.rows.push_back(row);
+            }
+        } else {
+            return false;
+        }
+    }
+    return true;
+}
+
+int rebuild(const QString& folder, const QStringList& args) {
+    RebuildOptions options;
+    if (!parseRebuildOptions(args, options)) return usage();
+    const QString path = QDir(folder).filePath(ql::kCatalogueFileName);
+    ql::RebuildRequest request =
+        ql::savedTabsRequest(path, options.rows, options.cartridges, options.everything);
+    if (options.noTabs) request.tabs.clear();
+    ql::LinuxFileSystem fileSystem;
+    const bool toTerminal = isatty(fileno(stderr));
+    const ql::RebuildResult result =
+        ql::rebuildCatalogue(request, fileSystem, [toTerminal](const ql::RebuildProgress& p) {
+            if (toTerminal && p.event == ql::RebuildProgress::Event::Files)
+                std::fprintf(stderr, "\r%lld of %lld files, %lld of %lld MB",
+                             static_cast<long long>(p.filesDone), static_cast<long long>(p.filesTotal),
+                             static_cast<long long>(p.bytesDone >> 20),
+                             static_cast<long long>(p.bytesTotal >> 20));
+        });
+    if (toTerminal) std::fputc('\n', stderr);
+    std::printf("rebuild: %d programs, %d cartridges, %.1f MB read\n", result.programs, result.cartridges,
+                static_cast<double>(result.bytes) / (1024.0 * 1024.0));
+    std::puts("Operation Complete!");
+    return 0;
 }
 
 } // namespace
@@ -21,10 +83,12 @@ int usage() {
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     const QStringList args = QCoreApplication::arguments().mid(1);
-    if (args.size() != 2) return usage();
+    if (args.size() < 2) return usage();
     const QString& command = args[0];
     const QString folder = QDir(args[1]).absolutePath();
     try {
+        if (command == QLatin1String("rebuild")) return rebuild(folder, args.mid(2));
+        if (args.size() != 2) return usage();
         if (command == QLatin1String("init")) {
             QDir().mkpath(folder);
             ql::Catalogue::create(QDir(folder).filePath(ql::kCatalogueFileName));
