@@ -1,0 +1,165 @@
+#include "Crc32.h"
+#include "TestWorld.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+#include <unistd.h>
+#include <zlib.h>
+
+using namespace ql;
+using namespace ql::test;
+
+namespace {
+
+// The byte-at-a-time loop over the table, as an independent reference for zlib.
+std::int32_t tableCrc(const cCRC32& crc, const QByteArray& bytes) {
+    std::uint32_t c = 0xFFFFFFFFu;
+    for (char b : bytes)
+        c = (c >> 8) ^ static_cast<std::uint32_t>(crc.table()[(c ^ static_cast<std::uint8_t>(b)) & 0xFF]);
+    return static_cast<std::int32_t>(~c);
+}
+
+QByteArray pattern(qsizetype size) {
+    QByteArray bytes(size, Qt::Uninitialized);
+    for (qsizetype i = 0; i < size; ++i)
+        bytes[i] = static_cast<char>((i * 131 + i / 251) & 0xFF);
+    return bytes;
+}
+
+std::int32_t fileCrc(const QString& path) {
+    cCRC32 crc;
+    cBinaryFileStream stream;
+    stream.file(path);
+    return crc.GetFileCrc32(stream);
+}
+
+} // namespace
+
+TEST(Crc32Test, TableIsTheReflectedIeeeTable) {
+    cCRC32 crc;
+    EXPECT_EQ(crc.table()[0], 0);
+    EXPECT_EQ(static_cast<std::uint32_t>(crc.table()[1]), 0x77073096u);
+    EXPECT_EQ(static_cast<std::uint32_t>(crc.table()[128]), 0xEDB88320u);
+    EXPECT_EQ(static_cast<std::uint32_t>(crc.table()[255]), 0x2D02EF8Du);
+}
+
+TEST(Crc32Test, KnownValuesAsSignedDecimal) {
+    struct Case {
+        QByteArray data;
+        const char* text;
+    };
+    const Case cases[] = {{"", "0"}, {"abc", "891568578"}, {"123456789", "-873187034"}};
+    TestWorld world;
+    cCRC32 crc;
+    for (const Case& c : cases) {
+        EXPECT_EQ(crcText(crc.GetByteArrayCrc32(c.data)), c.text) << c.data.constData();
+        const QString path = world.writeFile("f_" + QString::number(c.data.size()), c.data);
+        EXPECT_EQ(crcText(fileCrc(path)), c.text) << c.data.constData();
+    }
+}
+
+TEST(Crc32Test, FilesAroundChunkBoundariesMatchTheTableLoop) {
+    TestWorld world;
+    const qsizetype chunk = cCRC32::kChunkSize;
+    const qsizetype sizes[] = {1,         8195,  8196,      8197,      16392,
+                               chunk - 1, chunk, chunk + 1, 2 * chunk, 2 * chunk + 3};
+    cCRC32 crc;
+    cBinaryFileStream stream; // one stream for every file, as a walker keeps it
+    for (qsizetype size : sizes) {
+        const QByteArray bytes = pattern(size);
+        const QString path = world.writeFile(QStringLiteral("chunk_%1").arg(size), bytes);
+        stream.file(path);
+        EXPECT_EQ(crc.GetFileCrc32(stream), tableCrc(crc, bytes)) << size;
+        EXPECT_FALSE(stream.isOpen()) << "reading to the end closes the file";
+        EXPECT_EQ(stream.Length(), size) << "the length outlives the file";
+    }
+}
+
+TEST(Crc32Test, ReadHandsOutTheTailAndKeepsTheRestOfTheBuffer) {
+    TestWorld world;
+    cBinaryFileStream stream;
+    stream.file(world.writeFile("ten", "0123456789"));
+    char buffer[8];
+    EXPECT_EQ(stream.Read(buffer, 8, true), 8);
+    EXPECT_EQ(QByteArray(buffer, 8), "01234567");
+    EXPECT_EQ(stream.Read(buffer, 8, false), 2);
+    EXPECT_EQ(QByteArray(buffer, 8), "89234567");
+    EXPECT_TRUE(stream.isOpen());
+    EXPECT_EQ(stream.Read(buffer, 8, false), 0);
+    EXPECT_FALSE(stream.isOpen());
+
+    // A new file on the same stream: the position restarts only with pInitial.
+    stream.file(world.writeFile("four", "abcd"));
+    EXPECT_EQ(stream.Position(), 10);
+    EXPECT_EQ(stream.Read(buffer, 8, true), 4);
+    EXPECT_EQ(QByteArray(buffer, 4), "abcd");
+}
+
+TEST(Crc32Test, SettingAFileClosesOneReadInPart) {
+    TestWorld world;
+    const QString first = world.writeFile("first", pattern(100));
+    const QString second = world.writeFile("second", pattern(50));
+    cCRC32 crc;
+    cBinaryFileStream stream;
+    stream.file(first);
+    char buffer[10];
+    ASSERT_EQ(stream.Read(buffer, 10, true), 10);
+    stream.file(second);
+    EXPECT_EQ(crc.GetFileCrc32(stream), crc.GetByteArrayCrc32(pattern(50)));
+}
+
+TEST(Crc32Test, SameContentsSameValueAndMissingFilesGiveZero) {
+    TestWorld world;
+    cCRC32 crc;
+    cBinaryFileStream stream;
+    const QByteArray bytes = pattern(5000);
+    const std::int32_t a = fileCrcOrZero(crc, stream, world.writeFile("Star Raiders.atr", bytes));
+    const std::int32_t b = fileCrcOrZero(crc, stream, world.writeFile("copy/other name.xex", bytes));
+    EXPECT_EQ(a, b);
+    EXPECT_NE(a, 0);
+    EXPECT_EQ(fileCrcOrZero(crc, stream, world.path("missing.atr")), 0);
+    EXPECT_EQ(fileCrcOrZero(crc, stream, world.path("copy")), 0) << "a folder is no file";
+    EXPECT_THROW(stream.file(world.path("missing.atr")), FileError);
+}
+
+TEST(Crc32Test, FileOfMoreThan2GiBIsReadWhole) {
+    // A sparse file: a few bytes, more than 2 GiB of zeros that the disk does not hold, a few bytes.
+    // In memory when it can be, where reading a hole costs no page of its own.
+    TestWorld world;
+    const QString shm = QStringLiteral("/dev/shm");
+    QTemporaryDir fast(QDir(shm).exists() ? shm + "/quaylight-XXXXXX" : world.path("huge-XXXXXX"));
+    ASSERT_TRUE(fast.isValid());
+    const QByteArray head = "ATARI", tail = "END";
+    const std::int64_t zeros = (std::int64_t(1) << 31) + 1;
+    const QString path = fast.filePath("huge.atr");
+    {
+        QFile f(path);
+        ASSERT_TRUE(f.open(QIODevice::ReadWrite));
+        ASSERT_EQ(f.write(head), head.size());
+        ASSERT_EQ(::ftruncate(f.handle(), head.size() + zeros), 0);
+        ASSERT_TRUE(f.seek(head.size() + zeros));
+        ASSERT_EQ(f.write(tail), tail.size());
+    }
+    // The reference: zlib over the pieces, the zeros by doubling a 1 MiB block.
+    const QByteArray block(1 << 20, '\0');
+    uLong zeroCrc = crc32(0L, reinterpret_cast<const Bytef*>(block.constData()), block.size());
+    std::int64_t zeroLen = block.size();
+    while (zeroLen * 2 <= zeros) {
+        zeroCrc = crc32_combine(zeroCrc, zeroCrc, zeroLen);
+        zeroLen *= 2;
+    }
+    const QByteArray rest(zeros - zeroLen, '\0');
+    zeroCrc = crc32_combine(zeroCrc, crc32(0L, reinterpret_cast<const Bytef*>(rest.constData()), rest.size()),
+                            rest.size());
+    uLong expected = crc32(0L, reinterpret_cast<const Bytef*>(head.constData()), head.size());
+    expected = crc32_combine(expected, zeroCrc, zeros);
+    expected = crc32(expected, reinterpret_cast<const Bytef*>(tail.constData()), tail.size());
+
+    cCRC32 crc;
+    cBinaryFileStream stream;
+    stream.file(path);
+    EXPECT_EQ(stream.Length(), head.size() + zeros + tail.size());
+    EXPECT_EQ(crc.GetFileCrc32(stream), static_cast<std::int32_t>(static_cast<std::uint32_t>(expected)));
+}
