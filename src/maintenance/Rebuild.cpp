@@ -288,9 +288,9 @@ RebuildResult rebuildCatalogue(const RebuildRequest& request, FileSystem& fileSy
                 reportNowAndThen(RebuildProgress::Event::Files);
             }
         }
+        report(RebuildProgress::Event::Files);
         transaction.commit();
         result.files += static_cast<std::int64_t>(t.files.size());
-        report(RebuildProgress::Event::Files);
         report(RebuildProgress::Event::TargetDone, t.id);
     }
     beginTabs();

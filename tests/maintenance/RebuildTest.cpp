@@ -1,0 +1,311 @@
+#include "Rebuild.h"
+#include "LinuxHost.h"
+#include "Store.h"
+#include "TestWorld.h"
+
+#include <QFile>
+#include <QSqlQuery>
+#include <gtest/gtest.h>
+#include <zlib.h>
+
+using namespace ql;
+using namespace ql::test;
+
+namespace {
+
+QString zlibCrc(const QByteArray& bytes) {
+    const uLong c = crc32(0L, reinterpret_cast<const Bytef*>(bytes.constData()), bytes.size());
+    return QString::number(static_cast<std::int32_t>(static_cast<std::uint32_t>(c)));
+}
+
+// Lists what the real folder holds, plus names that vanished before they could be read.
+class VanishingFileSystem : public FileSystem {
+public:
+    std::optional<int> attributes(const QString& path) override { return real.attributes(path); }
+    std::vector<DirEntry> list(const QString& folder) override {
+        auto entries = real.list(folder);
+        for (const QString& name : ghosts)
+            entries.push_back({name, 0});
+        return entries;
+    }
+    LinuxFileSystem real;
+    QStringList ghosts;
+};
+
+class RebuildTest : public ::testing::Test {
+protected:
+    void SetUp() override { path = world.makeCatalogue(); }
+    RebuildResult rebuildTab(int row, const QString& name, const QString& source, FileSystem* fs = nullptr) {
+        RebuildRequest r;
+        r.cataloguePath = path;
+        r.tabs.push_back({row, name, source});
+        return rebuildCatalogue(r, fs ? *fs : fileSystem);
+    }
+    std::vector<ProgramRecord> rows(int tab) {
+        auto rows = world.open()->programsByTabNumber(tab);
+        std::sort(rows.begin(), rows.end(), [](auto& a, auto& b) { return a.programCode < b.programCode; });
+        return rows;
+    }
+    std::vector<QString> names(int tab) {
+        std::vector<QString> n;
+        for (const auto& r : rows(tab))
+            n.push_back(r.name);
+        return n;
+    }
+
+    TestWorld world;
+    QString path;
+    LinuxFileSystem fileSystem;
+};
+
+} // namespace
+
+TEST(RebuildNamesTest, NameTypeBasicAndTakenByFileName) {
+    struct Case {
+        const char* file;
+        bool taken;
+        const char* name;
+        int type;
+        bool basic;
+    };
+    const Case cases[] = {
+        {"Star Raiders.atr", true, "Star Raiders", 1, false},
+        {"Space Game (Disk 2).ATR", true, "Space Game (Disk 2)", 1, false},
+        {"DEMO.XEX", true, "DEMO", 0, false},
+        {"Notes.txt", true, "Notes", -1, false},
+        {"Demo.st", true, "Demo.st", 3, false},
+        {"Intro.tx", true, "Intro.tx", -1, false},
+        {"Tape.1.cas", true, "Tape.1", 0, false},
+        {"Bas", true, "Bas", -1, false},
+        {"a.b", true, "a.b", -1, false},
+        {".atr", true, "", 1, false},
+        {"Ends in a dot.", true, "Ends in a dot.", -1, false},
+        {"Readme", false, "Readme", -1, false},
+        {"Setup.exe", false, "Setup", -1, false},
+        {"Oids.msa", true, "Oids", 3, false},
+        {"Pitfall.a26", true, "Pitfall", 4, false},
+        {"Pac-Man.a52", true, "Pac-Man", 5, false},
+        {"Ms. Pac-Man.A78", true, "Ms. Pac-Man", 6, false},
+        {"Tempest 2000.jag", true, "Tempest 2000", 7, false},
+        {"California Games.lnx", true, "California Games", 8, false},
+        {"Disk.pro", true, "Disk", 1, false},
+        {"My BASIC Game.atr", true, "My BASIC Game", 1, true},
+        {"Ball-Bash.xex", true, "Ball-Bash", 0, true},
+        {"Pool Base.atr", true, "Pool Base", 1, true},
+        {"Demo.bas", true, "Demo", 0, false},
+        {"atari.mdb", false, "atari", -1, false},
+        {"ATARI.LDB", false, "ATARI", -1, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.file);
+        EXPECT_EQ(isKnownProgramFile(c.file), c.taken);
+        EXPECT_EQ(programNameFor(c.file), c.name);
+        EXPECT_EQ(programTypeFor(c.file), c.type);
+        EXPECT_EQ(isBasicName(c.file), c.basic);
+    }
+    EXPECT_TRUE(isCartridgeFile("Star Raiders.rom"));
+    EXPECT_EQ(cartridgeNameFor("Star Raiders.rom"), "Star Raiders");
+    EXPECT_TRUE(isCartridgeFile("Ab.in"));
+    EXPECT_EQ(cartridgeNameFor("Ab.in"), "A");
+    EXPECT_FALSE(isCartridgeFile("Game.atr"));
+    EXPECT_EQ(everythingRoot("/atari/"), "/atari//");
+    EXPECT_EQ(everythingRoot("/atari"), "/atari/");
+    EXPECT_EQ(everythingRoot("D:\\Atari\\"), "D:\\Atari\\\\");
+}
+
+TEST_F(RebuildTest, WorkedExampleGivesThreeRowsInWalkOrder) {
+    const QByteArray star = "star raiders disk";
+    world.writeFile("Games/Star Raiders.atr", star);
+    world.writeFile("Games/Notes.txt", "notes");
+    world.writeFile("Games/Manual.pdf", "pdf");
+    world.writeFile("Games/Basic, Two/Demo.st", "st");
+    world.writeFile("Games/__old/Junk.atr", "junk");
+    auto c = world.open();
+    c->addProgram(program("Games", "Old row", "/old.atr")); // TabNumber 0: another tab, kept
+    ProgramRecord mine = program("Favourites", "Moved", "/moved.atr");
+    mine.tabNumber = 3; // moved to Favourites but still of tab 3: replaced
+    c->addProgram(mine);
+
+    const QString d = world.path("Games/");
+    rebuildTab(3, "Games", d);
+    const auto r = rows(3);
+    ASSERT_EQ(r.size(), 3u);
+    struct Expected {
+        const char* name;
+        int type;
+        QString fileName1;
+    };
+    // The folder's own files in listing order (names ignoring case), then the sub-folder's.
+    const Expected expected[] = {{"Notes", -1, d + "Notes.txt"},
+                                 {"Star Raiders", 1, d + "Star Raiders.atr"},
+                                 {"Demo.st", 3, d + "Basic Two/Demo.st"}};
+    for (size_t i = 0; i < 3; ++i) {
+        SCOPED_TRACE(i);
+        EXPECT_EQ(r[i].name, expected[i].name);
+        EXPECT_EQ(r[i].type, expected[i].type);
+        EXPECT_EQ(r[i].fileName1, expected[i].fileName1);
+        EXPECT_EQ(r[i].category, "Games");
+        EXPECT_EQ(r[i].tabNumber, 3);
+        EXPECT_EQ(r[i].fileName2, " ");
+        EXPECT_EQ(r[i].fileName3, " ");
+        EXPECT_EQ(r[i].fileName4, " ");
+        EXPECT_EQ(r[i].rating, 0);
+        EXPECT_EQ(r[i].machineType, 1);
+        EXPECT_FALSE(r[i].basic) << "the folder's name is not tested";
+    }
+    EXPECT_EQ(r[1].crc, zlibCrc(star));
+    EXPECT_EQ(names(0), std::vector<QString>{"Old row"});
+}
+
+TEST_F(RebuildTest, SkipsWhatTheWalkMustNotTake) {
+    world.writeFile("Tree/b.atr");
+    world.writeFile("Tree/A.xex");
+    world.writeFile("Tree/Atari.ldb");
+    world.writeFile("Tree/ATARI.MDB");
+    world.writeFile("Tree/.hidden.atr");
+    world.writeFile("Tree/.dotfolder/in dot.atr");
+    world.writeFile("Tree/_Unique/one underscore.atr");
+    world.writeFile("Tree/x__y/two underscores.atr");
+    world.writeFile("Tree/sub/deep/deeper.atr");
+    world.writeFile("Elsewhere/linked.atr");
+    ASSERT_TRUE(QFile::link(world.path("Elsewhere"), world.path("Tree/link")));
+    ASSERT_TRUE(QFile::link(world.path("Tree"), world.path("Tree/sub/loop")));
+    ASSERT_TRUE(QFile::link(world.path("Elsewhere/linked.atr"), world.path("Tree/file link.atr")));
+
+    rebuildTab(2, "Utilities", world.path("Tree/"));
+    EXPECT_EQ(names(2), (std::vector<QString>{"A", "b", "file link", "one underscore", "deeper"}))
+        << "files before folders, names ignoring case; no links to folders, no dots, no \"__\"";
+
+    rebuildTab(2, "Utilities", world.path("Tree/__NEW/"));
+    EXPECT_TRUE(names(2).empty()) << "a root with \"__\" deletes and adds nothing";
+    rebuildTab(2, "Utilities", "   ");
+    EXPECT_TRUE(names(2).empty());
+}
+
+TEST_F(RebuildTest, OddNamesAndUnreadableFiles) {
+    const QByteArray archon = "archon bytes";
+    world.writeFile("T/Archon, The Light.xex", archon);
+    world.writeFile("T/Yars' Revenge.a26", "yars");
+    world.writeFile("T/Empty.atr", "");
+    VanishingFileSystem fs;
+    fs.ghosts << "Gone.atr";
+    rebuildTab(5, "It's \"BASIC\"", world.path("T"), &fs); // typed without its closing separator
+    const auto r = rows(5);
+    ASSERT_EQ(r.size(), 4u);
+    EXPECT_EQ(r[0].name, "Archon, The Light");
+    EXPECT_EQ(r[0].fileName1, world.path("T/Archon The Light.xex"));
+    EXPECT_EQ(r[0].crc, zlibCrc(archon)) << "taken from the real file, before the comma goes";
+    EXPECT_EQ(r[0].category, "It's \"BASIC\"");
+    EXPECT_EQ(r[1].name, "Empty");
+    EXPECT_EQ(r[1].crc, "0");
+    EXPECT_EQ(r[2].name, "Yars' Revenge");
+    EXPECT_EQ(r[3].name, "Gone");
+    EXPECT_EQ(r[3].crc, "0") << "a file that cannot be read still gets its row";
+}
+
+TEST_F(RebuildTest, TargetsInOrderWithCartridgesAndEverything) {
+    world.writeFile("Carts/Action!.rom");
+    world.writeFile("Carts/Atari BASIC, Rev C.bin");
+    world.writeFile("Carts/Star Raiders.atr");
+    world.writeFile("Games/Game.atr");
+    world.writeFile("Top.xex");
+    world.open()->addCartridge("Old", "/old.rom");
+
+    std::vector<std::pair<RebuildProgress::Event, int>> events;
+    RebuildRequest r;
+    r.cataloguePath = path;
+    r.cartridgeSource = world.path("Carts/");
+    r.tabs.push_back({0, "Games", world.path("Games/")});
+    r.everything = true;
+    const RebuildResult result = rebuildCatalogue(r, fileSystem, [&](const RebuildProgress& p) {
+        if (p.event != RebuildProgress::Event::Files && p.event != RebuildProgress::Event::Walking)
+            events.emplace_back(p.event, p.target);
+    });
+    using E = RebuildProgress::Event;
+    EXPECT_EQ(events, (std::vector<std::pair<E, int>>{{E::TargetStarted, 24},
+                                                      {E::TargetDone, 24},
+                                                      {E::TabsBegin, -1},
+                                                      {E::TargetStarted, 0},
+                                                      {E::TargetDone, 0},
+                                                      {E::TabsEnd, -1},
+                                                      {E::TargetStarted, 99},
+                                                      {E::TargetDone, 99}}));
+    const auto carts = world.open()->cartridges();
+    ASSERT_EQ(carts.size(), 2u);
+    EXPECT_EQ(carts[0].cartName, "Action!");
+    EXPECT_EQ(carts[1].cartName, "Atari BASIC, Rev C");
+    EXPECT_EQ(carts[1].cartPath, world.path("Carts/Atari BASIC, Rev C.bin"))
+        << "a cartridge keeps its commas";
+    EXPECT_EQ(result.cartridges, 2);
+
+    const auto all = rows(kEverythingTabNumber);
+    ASSERT_EQ(all.size(), 5u);
+    const QString root = world.root() + "//";
+    EXPECT_EQ(all[0].fileName1, root + "Top.xex") << "AtariDir and one more separator, kept as it is";
+    EXPECT_EQ(all[1].fileName1, root + "Carts/Action!.rom");
+    EXPECT_EQ(all[0].category, kEverything);
+    EXPECT_EQ(names(0), std::vector<QString>{"Game"});
+}
+
+TEST_F(RebuildTest, NothingChosenChangesNothing) {
+    world.open()->addProgram(program("Games", "Kept", "/kept.atr"));
+    RebuildRequest r;
+    r.cataloguePath = path;
+    int events = 0;
+    rebuildCatalogue(r, fileSystem, [&](const RebuildProgress&) { ++events; });
+    EXPECT_EQ(names(0), std::vector<QString>{"Kept"});
+    EXPECT_GE(events, 2) << "the rows are still coloured and cleared";
+}
+
+TEST_F(RebuildTest, FaultLeavesTheOldRowsOfThatTarget) {
+    for (int i = 0; i < 50; ++i)
+        world.writeFile(QStringLiteral("Games/Game %1.atr").arg(i, 2, 10, QLatin1Char('0')));
+    world.writeFile("Games/Poison.atr");
+    world.writeFile("Carts/New.rom");
+    auto c = world.open();
+    c->addProgram(program("Games", "Old one", "/old1.atr"));
+    c->addProgram(program("Games", "Old two", "/old2.atr"));
+    // A catalogue that fails half way, as a full disk would.
+    QSqlQuery q(c->database());
+    ASSERT_TRUE(q.exec("CREATE TRIGGER Fault BEFORE INSERT ON Programs WHEN NEW.Name = 'Poison' "
+                       "BEGIN SELECT RAISE(ABORT, 'disk full'); END"));
+    c.reset();
+
+    RebuildRequest r;
+    r.cataloguePath = path;
+    r.cartridgeSource = world.path("Carts/");
+    r.tabs.push_back({0, "Games", world.path("Games/")});
+    EXPECT_THROW(rebuildCatalogue(r, fileSystem), StoreError);
+    EXPECT_EQ(names(0), (std::vector<QString>{"Old one", "Old two"}));
+    ASSERT_EQ(world.open()->cartridges().size(), 1u) << "the target finished before the fault stays";
+
+    // An interruption from outside the catalogue, with every new row written but not yet kept,
+    // ends the same way.
+    QFile::remove(world.path("Games/Poison.atr"));
+    r.cartridgeSource.reset();
+    const auto interrupt = [](const RebuildProgress& p) {
+        if (p.event == RebuildProgress::Event::Files && p.filesDone == 50)
+            throw std::runtime_error("stopped");
+    };
+    EXPECT_THROW(rebuildCatalogue(r, fileSystem, interrupt), std::runtime_error);
+    EXPECT_EQ(names(0), (std::vector<QString>{"Old one", "Old two"}));
+}
+
+TEST_F(RebuildTest, SavedTabsRequestTakesTabsWithAFolder) {
+    auto c = world.open();
+    c->updateTab(1, "Games", "/atari/Games/");
+    c->updateTab(3, "Utilities", "/atari/Utilities/");
+    c->updateTab(25, "Resident Cartridges", "/atari/Carts/");
+    c.reset();
+    const RebuildRequest all = savedTabsRequest(path, {}, true, true);
+    ASSERT_EQ(all.tabs.size(), 2u);
+    EXPECT_EQ(all.tabs[0].row, 0);
+    EXPECT_EQ(all.tabs[1].row, 2);
+    EXPECT_EQ(all.tabs[1].source, "/atari/Utilities/");
+    EXPECT_EQ(all.cartridgeSource.value_or(""), "/atari/Carts/");
+    EXPECT_TRUE(all.everything);
+    const RebuildRequest one = savedTabsRequest(path, {1}, false, false);
+    ASSERT_EQ(one.tabs.size(), 1u);
+    EXPECT_EQ(one.tabs[0].name, "Demos");
+    EXPECT_FALSE(one.cartridgeSource);
+}

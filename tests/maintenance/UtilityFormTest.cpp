@@ -1,0 +1,186 @@
+#include "TestWorld.h"
+#include "frmUtility.h"
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSqlQuery>
+#include <QTabWidget>
+#include <QTest>
+#include <deque>
+#include <gtest/gtest.h>
+
+using namespace ql;
+using namespace ql::test;
+
+namespace {
+
+class FakeMainForm : public MainFormOps {
+public:
+    explicit FakeMainForm(QString path) : path_(std::move(path)) {}
+    void loadTabs() override { calls.push_back("loadTabs"); }
+    void GeneralInit() override { calls.push_back("GeneralInit"); }
+    void CategoryTabs_TabActivate(int tab) override {
+        calls.push_back(QStringLiteral("TabActivate %1").arg(tab));
+    }
+    QString cataloguePath() const override { return path_; }
+    std::vector<QString> calls;
+
+private:
+    QString path_;
+};
+
+class FakeFileDialogs : public FileDialogs {
+public:
+    std::optional<OpenFileAnswer> getOpenFileName(const OpenFileRequest& request) override {
+        requests.push_back(request);
+        if (answers.empty()) return std::nullopt;
+        OpenFileAnswer answer{{answers.front()}, 1, false};
+        answers.pop_front();
+        return answer;
+    }
+    std::vector<OpenFileRequest> requests;
+    std::deque<QString> answers; // none left: Cancel
+};
+
+class UtilityFormTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        path = world.makeCatalogue();
+        mainForm = std::make_unique<FakeMainForm>(path);
+        form = std::make_unique<frmUtility>(world.fake().host(), *mainForm, dialogs);
+    }
+    TestWorld world;
+    QString path;
+    FakeFileDialogs dialogs;
+    std::unique_ptr<FakeMainForm> mainForm;
+    std::unique_ptr<frmUtility> form;
+};
+
+} // namespace
+
+TEST_F(UtilityFormTest, CaptionsPagesAndRows) {
+    EXPECT_EQ(form->windowTitle(), "Quaylight Utility Form");
+    ASSERT_EQ(form->tabUtility->count(), 3);
+    EXPECT_EQ(form->tabUtility->tabText(0), "Tab Management");
+    EXPECT_EQ(form->tabUtility->tabText(1), "Find Unqiue");
+    EXPECT_EQ(form->tabUtility->tabText(2), "Advanced");
+    EXPECT_EQ(form->cmdClose->text(), "&Close");
+    EXPECT_EQ(form->findChild<QPushButton*>("cmdRebuild")->text(), "&Rebuild Selected");
+    EXPECT_EQ(form->findChild<QPushButton*>("cmdSaveTabInfo")->text(), "&Save");
+    EXPECT_EQ(form->chkRebuildEverything->text(), "Rebuild \"Everything\" Category");
+    EXPECT_FALSE(form->chkRebuildEverything->isChecked());
+    for (int i = 0; i < kFormRows; ++i) {
+        ASSERT_NE(form->findChild<QCheckBox*>(QString("chkSelected_%1").arg(i)), nullptr);
+        ASSERT_NE(form->findChild<QLineEdit*>(QString("txtTabSource_%1").arg(i)), nullptr);
+        ASSERT_NE(form->findChild<QPushButton*>(QString("cmdTabSource_%1").arg(i)), nullptr);
+        EXPECT_EQ(form->txtTabName[i]->toolTip(), "Name of the Tab - User definable");
+    }
+    EXPECT_EQ(form->findChild<QLineEdit*>("txtTabName_24")->text(), "Resident Cartridges");
+    EXPECT_EQ(form->txtTabName[0]->text(), "");
+}
+
+TEST_F(UtilityFormTest, LoadAndSaveKeepTextsAsTyped) {
+    {
+        auto c = world.open();
+        c->updateTab(3, "Utilities", "/atari/Utilities/");
+        QSqlQuery q(c->database());
+        ASSERT_TRUE(q.exec("UPDATE Tabs SET TabSource = NULL WHERE TabCode = 1"));
+        ASSERT_TRUE(q.exec("DELETE FROM Tabs WHERE TabCode = 25"));
+    }
+    form->Form_Load();
+    EXPECT_EQ(form->txtTabName[2]->text(), "Utilities");
+    EXPECT_EQ(form->txtTabSource[2]->text(), "/atari/Utilities/");
+    EXPECT_EQ(form->txtTabName[0]->text(), "Games");
+    EXPECT_EQ(form->txtTabSource[0]->text(), "");
+    EXPECT_EQ(form->txtTabName[24]->text(), "Resident Cartridges")
+        << "a row without a record keeps its default";
+
+    form->txtTabName[1]->setText("Demo's");
+    form->txtTabSource[1]->setText("/atari/O'Neil's demos/");
+    form->txtTabName[2]->setText("");
+    QTest::mouseClick(form->findChild<QPushButton*>("cmdSaveTabInfo"), Qt::LeftButton);
+    const auto tabs = world.open()->tabs();
+    EXPECT_EQ(tabs[1].tabName, "Demo's");
+    EXPECT_EQ(tabs[1].tabSource, "/atari/O'Neil's demos/");
+    EXPECT_EQ(tabs[2].tabName, "");
+    EXPECT_EQ(tabs[0].tabSource, "") << "a null source is saved as the empty text";
+    EXPECT_TRUE(world.fake().dialogs.messages.empty());
+}
+
+TEST_F(UtilityFormTest, DoubleClickOnTheSquareTurnsOverTheSelection) {
+    form->chkSelected[0]->setChecked(true);
+    form->chkSelected[1]->setChecked(true);
+    QTest::mouseDClick(form->lblAll, Qt::LeftButton);
+    EXPECT_FALSE(form->chkSelected[0]->isChecked());
+    EXPECT_FALSE(form->chkSelected[1]->isChecked());
+    for (int i = 2; i < kFormRows; ++i)
+        EXPECT_TRUE(form->chkSelected[i]->isChecked()) << i;
+    QTest::mouseDClick(form->lblAll, Qt::LeftButton);
+    for (int i = 0; i < kFormRows; ++i)
+        EXPECT_EQ(form->chkSelected[i]->isChecked(), i < 2) << i;
+}
+
+TEST_F(UtilityFormTest, FolderIsPickedThroughAFileInIt) {
+    form->txtTabName[4]->setText("Music");
+    dialogs.answers.push_back("/atari/Music/Chip Tunes.xex");
+    QTest::mouseClick(form->cmdTabSource[4], Qt::LeftButton);
+    EXPECT_EQ(form->txtTabSource[4]->text(), "/atari/Music/");
+    EXPECT_EQ(form->txtTabName[4]->text(), "Music");
+    ASSERT_EQ(dialogs.requests.size(), 1u);
+    EXPECT_EQ(dialogs.requests[0].owner, form.get());
+    EXPECT_EQ(dialogs.requests[0].flags, ofn::FileMustExist);
+
+    form->cmdTabSource_Click(4); // cancelled
+    EXPECT_EQ(form->txtTabSource[4]->text(), "/atari/Music/");
+    dialogs.answers.push_back("/root.atr");
+    form->cmdTabSource_Click(5);
+    EXPECT_EQ(form->txtTabSource[5]->text(), "/");
+}
+
+TEST_F(UtilityFormTest, RebuildUsesTheTextBoxesAndRefreshesTheMainForm) {
+    world.writeFile("Games/Star Raiders.atr", "disk");
+    world.writeFile("Games/Unsaved.xex", "xex");
+    form->Form_Load();
+    form->txtTabName[3]->setText("Typed, not saved");
+    form->txtTabSource[3]->setText(world.path("Games/"));
+    form->chkSelected[3]->setChecked(true);
+    form->chkRebuildEverything->setChecked(true);
+    QTest::mouseClick(form->cmdRebuild, Qt::LeftButton);
+
+    EXPECT_EQ(world.fake().dialogs.messages, std::vector<QString>{"Operation Complete!"});
+    EXPECT_EQ(mainForm->calls, (std::vector<QString>{"loadTabs", "GeneralInit", "TabActivate 0"}));
+    auto c = world.open();
+    EXPECT_EQ(c->countCategory("Typed, not saved"), 2);
+    EXPECT_EQ(c->programsByTabNumber(kEverythingTabNumber).size(), 2u);
+    EXPECT_EQ(c->tabs()[3].tabName, "Education") << "the rebuild stores no tab";
+    EXPECT_EQ(form->prgRebuild->value(), 1000);
+    EXPECT_TRUE(form->chkSelected[3]->isChecked());
+    EXPECT_EQ(form->txtTabName[3]->palette().color(QPalette::Base),
+              form->txtTabName[0]->palette().color(QPalette::Base))
+        << "the rows are back to the window colour";
+    EXPECT_FALSE(form->rebuilding());
+    EXPECT_TRUE(form->cmdRebuild->isEnabled());
+}
+
+TEST_F(UtilityFormTest, FailedRebuildSaysSoAndKeepsTheOldRows) {
+    world.writeFile("Games/Poison.atr", "disk");
+    {
+        auto c = world.open();
+        c->addProgram(program("Games", "Old", "/old.atr"));
+        QSqlQuery q(c->database());
+        ASSERT_TRUE(q.exec("CREATE TRIGGER Fault BEFORE INSERT ON Programs WHEN NEW.Name = 'Poison' "
+                           "BEGIN SELECT RAISE(ABORT, 'disk full'); END"));
+    }
+    form->txtTabName[0]->setText("Games");
+    form->txtTabSource[0]->setText(world.path("Games/"));
+    form->chkSelected[0]->setChecked(true);
+    form->cmdRebuild_Click();
+    ASSERT_EQ(world.fake().dialogs.messages.size(), 1u);
+    EXPECT_TRUE(world.fake().dialogs.messages[0].startsWith("The rebuild stopped:"));
+    EXPECT_TRUE(world.fake().dialogs.messages[0].contains("disk full"));
+    EXPECT_EQ(world.open()->countCategory("Games"), 1);
+    EXPECT_EQ(mainForm->calls.size(), 3u);
+}
