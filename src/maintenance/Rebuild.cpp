@@ -152,7 +152,10 @@ public:
     // The CRC of job i, or nothing if it is not done within the wait.
     std::optional<std::int32_t> result(size_t i, std::chrono::milliseconds wait) {
         std::unique_lock lock(mutex_);
-        if (!done_.wait_for(lock, wait, [&] { return ready_[i] != 0; })) return std::nullopt;
+        waiting_ = true;
+        const bool ready = done_.wait_for(lock, wait, [&] { return ready_[i] != 0; });
+        waiting_ = false;
+        if (!ready) return std::nullopt;
         return results_[i];
     }
 
@@ -162,12 +165,14 @@ private:
         cBinaryFileStream stream;
         for (size_t i = next_++; i < paths_.size() && !stop_; i = next_++) {
             const std::int32_t value = fileCrcOrZero(crc, stream, paths_[i]);
+            bool wake = false;
             {
                 std::lock_guard lock(mutex_);
                 results_[i] = value;
                 ready_[i] = 1;
+                wake = waiting_;
             }
-            done_.notify_all();
+            if (wake) done_.notify_all(); // a wake-up per file would cost more than the file
         }
     }
 
@@ -177,6 +182,7 @@ private:
     std::atomic<size_t> next_{0};
     std::atomic<bool> stop_{false};
     std::mutex mutex_;
+    bool waiting_ = false;
     std::condition_variable done_;
     std::vector<std::thread> workers_;
 };

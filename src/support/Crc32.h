@@ -14,8 +14,9 @@ namespace ql {
 
 class cCRC32 {
 public:
-    // Bytes read per call: large reads keep the pass at the speed of the page cache.
-    static constexpr std::int64_t kChunkSize = 1 << 20;
+    // Bytes read per call: large enough that calls cost nothing, small enough that the bytes are
+    // still in the core's own cache when the CRC runs over them (1 MiB reads are a third slower).
+    static constexpr std::int64_t kChunkSize = 64 * 1024;
 
     cCRC32();
     std::int32_t GetByteArrayCrc32(const QByteArray& bytes) const;
