@@ -37,6 +37,7 @@ frmUtility::frmUtility(Host& host, MainFormOps& mainForm, FileDialogs& fileDialo
     setObjectName(QStringLiteral("frmUtility"));
     setWindowTitle(QStringLiteral("Quaylight Utility Form"));
     buildControls();
+    resize(820, sizeHint().height()); // room for "Resident Cartridges" and a long folder
     textPalette_ = txtTabName[0]->palette();
 }
 
