@@ -81,6 +81,27 @@ public:
     virtual void tapVirtualKey(std::uint8_t vk) = 0;
 };
 
+// The emulator's settings store, in the registry's terms: a key path under a root, and typed values.
+class Registry {
+public:
+    virtual ~Registry() = default;
+    // Creates the key when it is missing; keyPath is the full path, root included
+    // ("HKEY_CURRENT_USER\\Software\\Atari800WinPLus").
+    virtual void setDword(const QString& keyPath, const QString& name, std::uint32_t value) = 0;
+    virtual void setString(const QString& keyPath, const QString& name, const QString& value) = 0;
+};
+
+// What opens a data file, by its extension: the user's association table.
+class Associations {
+public:
+    virtual ~Associations() = default;
+    // The shell command line for files with this extension (no dot, any case), in which %f stands
+    // for the file; empty when the table names none.
+    virtual QString commandFor(const QString& extension) = 0;
+    // The shell command that starts a named program ("Atari800"), without arguments; empty when none.
+    virtual QString program(const QString& name) = 0;
+};
+
 // The host the program runs on: one reference per facility.
 struct Host {
     Dialogs& dialogs;
@@ -89,6 +110,8 @@ struct Host {
     Clock& clock;
     FileSystem& fileSystem;
     Keyboard& keyboard;
+    Registry& registry;
+    Associations& associations;
 };
 
 } // namespace ql

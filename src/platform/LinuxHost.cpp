@@ -168,6 +168,7 @@ void LinuxKeyboard::tapVirtualKey(std::uint8_t vk) {
 }
 
 LinuxHost::LinuxHost()
-    : host_(std::make_unique<Host>(Host{dialogs_, processes_, scripts_, clock_, fileSystem_, keyboard_})) {}
+    : host_(std::make_unique<Host>(
+          Host{dialogs_, processes_, scripts_, clock_, fileSystem_, keyboard_, registry_, associations_})) {}
 
 } // namespace ql

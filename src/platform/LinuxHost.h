@@ -1,5 +1,7 @@
 #pragma once
+#include "AssociationTable.h"
 #include "Host.h"
+#include "RegistryFile.h"
 
 #include <QWidget>
 #include <memory>
@@ -57,6 +59,8 @@ private:
     LinuxClock clock_;
     LinuxFileSystem fileSystem_;
     LinuxKeyboard keyboard_;
+    LinuxRegistry registry_;
+    LinuxAssociations associations_;
     std::unique_ptr<Host> host_;
 };
 

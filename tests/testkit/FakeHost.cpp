@@ -58,7 +58,8 @@ void FakeClock::pumpEvents(double maxSeconds) {
 
 FakeHost::FakeHost(const QString& scriptFolder)
     : scripts(scriptFolder),
-      fileSystem_(std::make_unique<LinuxFileSystem>()), host_{dialogs, processes,    scripts,
-                                                              clock,   *fileSystem_, keyboard} {}
+      fileSystem_(std::make_unique<LinuxFileSystem>()), host_{dialogs,  processes,    scripts,
+                                                              clock,    *fileSystem_, keyboard,
+                                                              registry, associations} {}
 
 } // namespace ql::test

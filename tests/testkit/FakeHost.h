@@ -65,6 +65,45 @@ public:
     std::vector<std::uint8_t> taps;
 };
 
+// One write to the registry, as the program made it.
+struct RegistryWrite {
+    QString keyPath;
+    QString name;
+    bool isDword = false;
+    std::uint32_t dword = 0;
+    QString text;
+    // "name=dword:262" or "name=text", for compact expectations.
+    QString brief() const {
+        return name + (isDword ? QStringLiteral("=dword:%1").arg(dword) : QStringLiteral("=") + text);
+    }
+};
+
+class FakeRegistry : public Registry {
+public:
+    void setDword(const QString& keyPath, const QString& name, std::uint32_t value) override {
+        writes.push_back({keyPath, name, true, value, {}});
+    }
+    void setString(const QString& keyPath, const QString& name, const QString& value) override {
+        writes.push_back({keyPath, name, false, 0, value});
+    }
+    std::vector<QString> briefs() const {
+        std::vector<QString> out;
+        for (const auto& w : writes)
+            out.push_back(w.brief());
+        return out;
+    }
+    std::vector<RegistryWrite> writes;
+};
+
+// Associations the test sets; extensions by lower-case name without the dot.
+class FakeAssociations : public Associations {
+public:
+    QString commandFor(const QString& extension) override { return extensions.value(extension.toLower()); }
+    QString program(const QString& name) override { return programs.value(name); }
+    QMap<QString, QString> extensions;
+    QMap<QString, QString> programs;
+};
+
 // The real file system: tests build real trees in their temporary folder.
 class FakeHost {
 public:
@@ -76,6 +115,8 @@ public:
     FakeScripts scripts;
     FakeClock clock;
     FakeKeyboard keyboard;
+    FakeRegistry registry;
+    FakeAssociations associations;
 
 private:
     std::unique_ptr<FileSystem> fileSystem_;
