@@ -1,8 +1,12 @@
 #include "frmMain.h"
+#include "LaunchPipeline.h"
+#include "MachineOptions.h"
 #include "ProgramList.h"
+#include "SelectionView.h"
 #include "UtilityEntry.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -10,9 +14,12 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
+#include <QSignalBlocker>
+#include <QSvgRenderer>
 #include <QTabBar>
 #include <QVBoxLayout>
 
@@ -27,9 +34,49 @@ template <typename T> T* named(T* widget, const QString& name) {
     widget->setObjectName(name);
     return widget;
 }
+
+// The pictures of the form are drawn as SVG; each is rendered once at the size it is shown.
+QPixmap drawing(const QString& resource, const QSize& size) {
+    QPixmap pixmap(size);
+    pixmap.fill(Qt::transparent);
+    QSvgRenderer renderer(resource);
+    QPainter painter(&pixmap);
+    renderer.render(&painter);
+    return pixmap;
+}
+
+QLabel* pictureLabel(QWidget* parent, const QString& name, const QString& resource, const QSize& size) {
+    auto* label = named(new QLabel(parent), name);
+    label->setPixmap(drawing(resource, size));
+    label->setFixedSize(size);
+    return label;
+}
+
+QPushButton* checkButton(QWidget* parent, const QString& name, const QString& caption) {
+    auto* button = named(new QPushButton(caption, parent), name);
+    button->setCheckable(true);
+    return button;
+}
+
+const QSize kMachineSize(200, 120);
+const QSize kDriveSize(96, 56);
+const char* const kMachinePictures[9] = {
+    ":/machines/atari400.svg",  ":/machines/atari800.svg",  ":/machines/atarixl.svg",
+    ":/machines/atarist.svg",   ":/machines/atari2600.svg", ":/machines/atari5200.svg",
+    ":/machines/atari7800.svg", ":/machines/jaguar.svg",    ":/machines/lynx.svg"};
 } // namespace
 
+} // namespace ql
+
+// The pictures live in a static library, whose resources must be registered by hand.
+static void initResources() {
+    Q_INIT_RESOURCE(quaylight);
+}
+
+namespace ql {
+
 frmMain::frmMain(Host& host, QWidget* parent) : QWidget(parent), host_(host) {
+    initResources();
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QStringLiteral("Quaylight"));
     setFixedSize(kFormWidth, kFormHeight);
@@ -94,9 +141,27 @@ void frmMain::buildControls() {
     cmdClose = named(new QPushButton(QStringLiteral("&Close"), this), QStringLiteral("cmdClose"));
     connect(cmdClose, &QPushButton::clicked, this, [] { QApplication::quit(); });
 
+    imgDefault = pictureLabel(this, QStringLiteral("imgDefault"), QStringLiteral(":/program.svg"),
+                              imgProgramImage->size());
+    imgLoadExe =
+        pictureLabel(this, QStringLiteral("imgLoadExe"), QStringLiteral(":/drives/exe.svg"), kDriveSize);
+    imgLoadDisk =
+        pictureLabel(this, QStringLiteral("imgLoadDisk"), QStringLiteral(":/drives/disk.svg"), kDriveSize);
+    imgLoadDiskOff = pictureLabel(this, QStringLiteral("imgLoadDiskOff"),
+                                  QStringLiteral(":/drives/empty.svg"), kDriveSize);
+    for (QLabel* holder : {imgDefault, imgLoadExe, imgLoadDisk, imgLoadDiskOff})
+        holder->hide();
+    imgProgramImage->setPixmap(imgDefault->pixmap());
+
     frame8Bit = named(new QFrame(this), QStringLiteral("frame8Bit"));
     frameAtari = named(new QFrame(this), QStringLiteral("frameAtari"));
+    buildOptionPanel();
+    buildOtherMachinePanel();
     frameAtari->hide();
+    // The design state, shown until the first selection.
+    chkOSType[1]->setChecked(true);
+    chkNTSC->setChecked(true);
+    cmbRAM->setCurrentIndex(4); // "48 K"
 
     // Left: filter, list and counters. Right: the selected program and its panel.
     auto* left = new QVBoxLayout;
@@ -136,6 +201,127 @@ void frmMain::buildControls() {
     top->addLayout(body, 1);
 }
 
+void frmMain::buildOptionPanel() {
+    auto caption = [this](const QString& name, const QString& text) {
+        return named(new QLabel(text, frame8Bit), name);
+    };
+    for (int i = 0; i < 3; ++i) {
+        chkOSType[i] = checkButton(frame8Bit, QStringLiteral("chkOSType_%1").arg(i), osTypeCaptions()[i]);
+        connect(chkOSType[i], &QPushButton::toggled, this, [this, i] { chkOSType_Click(i); });
+    }
+    chkBasic = checkButton(frame8Bit, QStringLiteral("chkBasic"), basicCaption(false));
+    connect(chkBasic, &QPushButton::toggled, this, [this] { chkBasic_Click(); });
+    chkNTSC = checkButton(frame8Bit, QStringLiteral("chkNTSC"), videoCaption(true));
+    connect(chkNTSC, &QPushButton::toggled, this, [this] { chkNTSC_Click(); });
+
+    cmbRAM = named(new QComboBox(frame8Bit), QStringLiteral("cmbRAM"));
+    for (const OptionItem& item : ramItems())
+        cmbRAM->addItem(item.text, item.data);
+    cmbArtifact = named(new QComboBox(frame8Bit), QStringLiteral("cmbArtifact"));
+    cmbArtifact->addItems(artifactItems());
+    cmbStretch = named(new QComboBox(frame8Bit), QStringLiteral("cmbStretch"));
+    cmbStretch->addItems(stretchItems());
+    cmbStretch->setPlaceholderText(QStringLiteral("None"));
+    cmbStretch->setCurrentIndex(-1);
+    cmbResCart = named(new QComboBox(frame8Bit), QStringLiteral("cmbResCart"));
+    cmbResCart->setPlaceholderText(QStringLiteral("None"));
+    cmbResCart->setMinimumContentsLength(18);
+    // Only the user's choice hands a cartridge over; filling the list must not.
+    connect(cmbResCart, &QComboBox::activated, this, [this] { guarded([&] { cmbResCart_Click(); }); });
+
+    cmdOptionSet = named(new QPushButton(QStringLiteral("&Save settings and run this program"), frame8Bit),
+                         QStringLiteral("cmdOptionSet"));
+    cmdOptionSet->setToolTip(QStringLiteral("Click here BEFORE running program"));
+    cmdSnapPicture[0] = named(new QPushButton(QStringLiteral("&Take Picture"), frame8Bit),
+                              QStringLiteral("cmdSnapPicture_0"));
+    cmdSnapPicture[0]->setToolTip(QStringLiteral("Snaps a picture of the currently running Atari program"));
+
+    const QString driveNumbers[4] = {QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("4"),
+                                     QStringLiteral("3")};
+    auto* drives = new QGridLayout;
+    for (int i = 0; i < 4; ++i) {
+        imgFloppy[i] = pictureLabel(frame8Bit, QStringLiteral("imgFloppy_%1").arg(i),
+                                    QStringLiteral(":/drives/empty.svg"), kDriveSize);
+        txtFloppy[i] = named(new QLineEdit(frame8Bit), QStringLiteral("txtFloppy_%1").arg(i));
+        txtFloppy[i]->setReadOnly(true);
+        lblFloppyNum[i] =
+            named(new QLabel(driveNumbers[i], frame8Bit), QStringLiteral("lblFloppyNum_%1").arg(i));
+        if (i >= 2) { // the hidden slots hold data only
+            imgFloppy[i]->hide();
+            txtFloppy[i]->hide();
+            lblFloppyNum[i]->hide();
+            continue;
+        }
+        drives->addWidget(lblFloppyNum[i], 0, i * 2);
+        drives->addWidget(imgFloppy[i], 0, i * 2 + 1);
+        drives->addWidget(txtFloppy[i], 1, i * 2, 1, 2);
+    }
+
+    for (int i = 0; i < 3; ++i) {
+        picAtari[i] = pictureLabel(frame8Bit, QStringLiteral("picAtari_%1").arg(i),
+                                   QString::fromLatin1(kMachinePictures[i]), kMachineSize);
+        picAtari[i]->setVisible(i == 1);
+    }
+
+    auto* options = new QGridLayout;
+    options->addWidget(caption(QStringLiteral("lblOSType"), QStringLiteral("Operating System:")), 0, 0);
+    auto* boxes = new QHBoxLayout;
+    for (auto* box : chkOSType)
+        boxes->addWidget(box);
+    options->addLayout(boxes, 0, 1, 1, 3);
+    const struct {
+        const char* label;
+        const char* text;
+        QWidget* control;
+    } fields[] = {{"lblBasic", "Basic Cart.", chkBasic},
+                  {"lblNTSC", "Video Sys.", chkNTSC},
+                  {"lblRAM", "Memory:", cmbRAM},
+                  {"lblArtifact", "Artifacting:", cmbArtifact},
+                  {"lblStretch", "Stretching:", cmbStretch},
+                  {"lblResCart", "Resident Cartridge:", cmbResCart}};
+    for (int i = 0; i < 6; ++i) {
+        const int row = 1 + i / 2;
+        const int column = (i % 2) * 2;
+        options->addWidget(caption(QString::fromLatin1(fields[i].label), QString::fromLatin1(fields[i].text)),
+                           row, column);
+        options->addWidget(fields[i].control, row, column + 1);
+    }
+    options->addLayout(drives, 4, 0, 1, 4);
+
+    auto* pictures = new QGridLayout;
+    for (int i = 0; i < 3; ++i)
+        pictures->addWidget(picAtari[i], 0, 0, Qt::AlignCenter);
+    auto* side = new QVBoxLayout;
+    side->addLayout(pictures);
+    side->addWidget(cmdOptionSet);
+    side->addWidget(cmdSnapPicture[0]);
+    side->addStretch();
+
+    auto* layout = new QHBoxLayout(frame8Bit);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addLayout(options, 1);
+    layout->addLayout(side);
+}
+
+void frmMain::buildOtherMachinePanel() {
+    cmdSnapPicture[1] = named(new QPushButton(QStringLiteral("&Take Picture"), frameAtari),
+                              QStringLiteral("cmdSnapPicture_1"));
+    cmdSnapPicture[1]->setToolTip(QStringLiteral("Snaps a picture of the currently running Atari program"));
+    cmdSnapPicture[1]->hide();
+    auto* pictures = new QGridLayout;
+    for (int i = 3; i < 9; ++i) {
+        picAtari[i] = pictureLabel(frameAtari, QStringLiteral("picAtari_%1").arg(i),
+                                   QString::fromLatin1(kMachinePictures[i]), kMachineSize);
+        picAtari[i]->hide();
+        pictures->addWidget(picAtari[i], 0, 0, Qt::AlignCenter);
+    }
+    auto* layout = new QVBoxLayout(frameAtari);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addLayout(pictures);
+    layout->addWidget(cmdSnapPicture[1], 0, Qt::AlignHCenter);
+    layout->addStretch();
+}
+
 bool frmMain::Form_Load(const QString& currentFolder) {
     if (const QScreen* screen = QGuiApplication::primaryScreen())
         move(screen->availableGeometry().left() + (screen->availableGeometry().width() - width()) / 2,
@@ -172,8 +358,13 @@ void frmMain::loadTabs() {
         // A tab without a caption lists nothing; hiding it keeps the strip to the named tabs.
         CategoryTabs->setTabVisible(index, !tab.tabName.isEmpty());
     }
-    // The resident cartridge list joins the machine options; until then only the rows are read.
-    (void)catalogue.cartridges();
+    const QSignalBlocker block(cmbResCart);
+    cmbResCart->clear();
+    cmbResCart->addItem(QStringLiteral("No Cartridge"), 0);
+    for (const CartridgeRecord& cartridge : catalogue.cartridges())
+        cmbResCart->addItem(cartridge.cartName, cartridge.cartCode);
+    // Nothing is chosen until the user picks an item.
+    cmbResCart->setCurrentIndex(-1);
 }
 
 void frmMain::GeneralInit() {
@@ -230,16 +421,78 @@ int frmMain::selectedProgramCode() const {
 }
 
 void frmMain::prgList_Click() {
-    const int code = selectedProgramCode();
-    Catalogue catalogue(cataloguePath_);
-    const auto record = catalogue.programByCode(code);
-    if (!record) return;
-    txtName->setText(record->name);
-    txtDescription->setPlainText(record->description.toString());
+    const auto view = selectionView(cataloguePath_, selectedProgramCode(), CategoryTabs->tabText(currentTab_),
+                                    host_.fileSystem);
+    if (!view) return; // the row went away after the list was built: the view stays
+
+    // A picture that will not decode counts as none: the stock picture, never the last program's.
+    QPixmap picture;
+    if (view->picturePath.isEmpty() || !picture.load(view->picturePath)) picture = imgDefault->pixmap();
+    imgProgramImage->setPixmap(picture);
+
+    for (int i = 3; i < 9; ++i)
+        picAtari[i]->hide();
+    cmdSnapPicture[1]->hide();
+    if (view->family) {
+        const bool eightBit = *view->family == Family::Atari8Bit;
+        frame8Bit->setVisible(eightBit);
+        frameAtari->setVisible(!eightBit);
+        if (eightBit && view->osTypeBox) chkOSType[*view->osTypeBox]->setChecked(true);
+        if (view->machinePicture >= 3) picAtari[view->machinePicture]->show();
+        cmdSnapPicture[1]->setVisible(view->snapPicture1);
+    }
+
+    chkBasic->setChecked(view->basic);
+    chkBasic_Click();
+    chkNTSC->setChecked(view->ntsc);
+    chkNTSC_Click();
+    // After the machine box: what the row holds wins over the memory rule of the box.
+    for (int i = 0; i < cmbRAM->count(); ++i) {
+        if (cmbRAM->itemData(i).toInt() == view->memory) {
+            cmbRAM->setCurrentIndex(i);
+            break;
+        }
+    }
+    cmbArtifact->setCurrentIndex(view->artifactIndex);
+    cmbStretch->setCurrentIndex(view->stretchIndex);
+    txtDescription->setPlainText(view->description);
+    txtName->setText(view->name);
 }
 
 void frmMain::prgList_DblClick() {
-    // The launch road starts here; it is filled in with the emulator contract.
+    const int code = selectedProgramCode();
+    if (code == 0) return; // nothing selected, nothing to run
+    // The display modes come from the controls, saved or not. A list that shows its placeholder
+    // stands on its first row.
+    const LaunchControls controls{std::max(0, cmbArtifact->currentIndex()),
+                                  std::max(0, cmbStretch->currentIndex()), cmbResCart->currentIndex()};
+    if (const auto name = launchProgram(host_, cataloguePath_, code, controls, windowsVersion_))
+        lastProgramName_ = *name;
+}
+
+void frmMain::chkOSType_Click(int index) {
+    if (osTypeGuard_) return;
+    osTypeGuard_ = true;
+    for (QLabel* picture : picAtari)
+        picture->hide();
+    for (QPushButton* box : chkOSType)
+        box->setChecked(false);
+    chkOSType[index]->setChecked(true);
+    picAtari[index]->show();
+    if (const auto row = memoryIndexForMachine(index, cmbRAM->currentText())) cmbRAM->setCurrentIndex(*row);
+    osTypeGuard_ = false;
+}
+
+void frmMain::chkBasic_Click() {
+    chkBasic->setText(basicCaption(chkBasic->isChecked()));
+}
+
+void frmMain::chkNTSC_Click() {
+    chkNTSC->setText(videoCaption(chkNTSC->isChecked()));
+}
+
+void frmMain::cmbResCart_Click() {
+    ql::cmbResCart_Click(host_.registry, cataloguePath_, cmbResCart->currentData().toInt());
 }
 
 void frmMain::guarded(const std::function<void()>& handler) {

@@ -8,6 +8,7 @@
 #include <array>
 #include <functional>
 
+class QComboBox;
 class QFrame;
 class QLabel;
 class QLineEdit;
@@ -39,6 +40,12 @@ public:
     void prgList_Click();
     void prgList_DblClick();
 
+    // The machine option panel.
+    void chkOSType_Click(int index);
+    void chkBasic_Click();
+    void chkNTSC_Click();
+    void cmbResCart_Click();
+
     // State that lives between events.
     QString atariDir() const { return atariDir_; }
     QString windowsVersion() const { return windowsVersion_; }
@@ -62,11 +69,34 @@ public:
     QFrame* frame8Bit = nullptr;
     QFrame* frameAtari = nullptr;
 
+    // frame8Bit
+    std::array<QPushButton*, 3> chkOSType{};
+    QPushButton* chkBasic = nullptr;
+    QPushButton* chkNTSC = nullptr;
+    QComboBox* cmbRAM = nullptr;
+    QComboBox* cmbArtifact = nullptr;
+    QComboBox* cmbStretch = nullptr;
+    QComboBox* cmbResCart = nullptr;
+    QPushButton* cmdOptionSet = nullptr;
+    std::array<QPushButton*, 2> cmdSnapPicture{}; // 0 in frame8Bit, 1 in frameAtari
+    std::array<QLabel*, 4> imgFloppy{};
+    std::array<QLineEdit*, 4> txtFloppy{};
+    std::array<QLabel*, 4> lblFloppyNum{};
+    // 0 to 2 in frame8Bit, by machine box; 3 to 8 in frameAtari, by family.
+    std::array<QLabel*, 9> picAtari{};
+    // Hidden holders of the stock pictures.
+    QLabel* imgDefault = nullptr;
+    QLabel* imgLoadExe = nullptr;
+    QLabel* imgLoadDisk = nullptr;
+    QLabel* imgLoadDiskOff = nullptr;
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void buildControls();
+    void buildOptionPanel();
+    void buildOtherMachinePanel();
     void txtSearch_Change();
     void prgList_KeyPress(const QString& text);
     // Runs a handler; a failure of the catalogue or the disk is told to the user, never fatal.
@@ -82,6 +112,8 @@ private:
     QString searchText_;
     QString lastProgramName_;
     bool dragPending_ = false;
+    // Ends the nested clicks that chkOSType_Click causes by setting and clearing the boxes.
+    bool osTypeGuard_ = false;
 };
 
 } // namespace ql
