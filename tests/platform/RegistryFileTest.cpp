@@ -1,0 +1,66 @@
+#include "RegistryFile.h"
+#include "AssociationTable.h"
+#include "TestWorld.h"
+
+#include <QDir>
+#include <QFile>
+#include <gtest/gtest.h>
+
+using namespace ql;
+using namespace ql::test;
+
+namespace {
+const QString kKey = "HKEY_CURRENT_USER\\Software\\Atari800WinPLus";
+
+QString fileText(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString("(missing)");
+}
+} // namespace
+
+TEST(RegistryFile, WrittenWholeWithTypesAndFirstWriteOrder) {
+    TestWorld world;
+    LinuxRegistry registry;
+    registry.setDword(kKey, "sysTVMode", 262);
+    registry.setString(kKey, "pathDiskDrive1", "/atari/Games/\"Quoted\" \\ name.atr");
+    registry.setString(kKey, "fileTape", "");
+    registry.setDword(kKey, "SYSTVMODE", 312); // names ignore case: the value changes in place
+    const QString path = world.path("config/quaylight/registry.reg");
+    EXPECT_EQ(registryFilePath(), path);
+    EXPECT_EQ(fileText(path), "REGEDIT4\n\n"
+                              "[HKEY_CURRENT_USER\\Software\\Atari800WinPLus]\n"
+                              "\"sysTVMode\"=dword:00000138\n"
+                              "\"pathDiskDrive1\"=\"/atari/Games/\\\"Quoted\\\" \\\\ name.atr\"\n"
+                              "\"fileTape\"=\"\"\n");
+    EXPECT_EQ(QDir(world.path("config/quaylight")).entryList(QDir::Files), QStringList{"registry.reg"})
+        << "no temporary file is left behind";
+
+    const RegistryFile read = RegistryFile::load(path);
+    EXPECT_EQ(read.dword(kKey, "sysTVMode"), 312u);
+    EXPECT_EQ(read.text(kKey, "pathDiskDrive1"), "/atari/Games/\"Quoted\" \\ name.atr");
+    EXPECT_EQ(read.text(kKey, "fileTape"), "");
+    EXPECT_EQ(read.text(kKey, "missing"), "");
+}
+
+TEST(RegistryFile, HandEditedLinesAreSkipped) {
+    const RegistryFile read =
+        RegistryFile::parse("REGEDIT4\r\n\r\n\"orphan\"=\"x\"\r\n[" + kKey +
+                            "]\r\n\"bad\"=dword:zz\r\nnonsense\r\n\"ok\"=dword:0000000a\r\n"
+                            "\"open\"=\"no end\r\n");
+    EXPECT_EQ(read.dword(kKey, "ok"), 10u);
+    EXPECT_FALSE(read.value(kKey, "bad"));
+    EXPECT_FALSE(read.value(kKey, "open"));
+    EXPECT_FALSE(read.value(kKey, "orphan"));
+}
+
+TEST(AssociationTable, SectionsCaseAndComments) {
+    const AssociationTable table =
+        AssociationTable::parse("; comment\n[Associations]\nATR = emu %f\n.xex=run\n"
+                                "# x=y\n[Programs]\nAtari800='/opt/my emu'\n[Other]\n"
+                                "lnx=nope\n");
+    EXPECT_EQ(table.commandFor("atr"), "emu %f");
+    EXPECT_EQ(table.commandFor("ATR"), "emu %f");
+    EXPECT_EQ(table.commandFor("xex"), "run");
+    EXPECT_EQ(table.commandFor("lnx"), "");
+    EXPECT_EQ(table.program("atari800"), "'/opt/my emu'");
+}
