@@ -157,6 +157,12 @@ void frmMain::buildControls() {
     frameAtari = named(new QFrame(this), QStringLiteral("frameAtari"));
     buildOptionPanel();
     buildOtherMachinePanel();
+    // The two panels share one place; the form keeps its layout whichever is on show.
+    for (QFrame* panel : {frame8Bit, frameAtari}) {
+        QSizePolicy policy = panel->sizePolicy();
+        policy.setRetainSizeWhenHidden(true);
+        panel->setSizePolicy(policy);
+    }
     frameAtari->hide();
     // The design state, shown until the first selection.
     chkOSType[1]->setChecked(true);
