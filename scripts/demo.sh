@@ -29,8 +29,27 @@ fi
 shot="$demo/screenshot.png"
 xvfb-run -a -s "-screen 0 1280x1024x24" sh -c '
   openbox >/dev/null 2>&1 &
+  # A window mapped while the window manager is still starting can stay unmanaged and unseen,
+  # so the program starts once openbox has announced itself on the root window.
+  tries=0
+  until xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q "window id"; do
+    sleep 0.1
+    tries=$((tries + 1))
+    [ "$tries" -lt 300 ] || break
+  done
   "$1" & app=$!
-  sleep 4
+  # Wait (up to a minute) until the form has been drawn: a bare screen has a single colour.
+  tries=0
+  while :; do
+    sleep 0.5
+    import -window root "$2"
+    colours=$(identify -format "%k" "$2" 2>/dev/null || echo 0)
+    [ "$colours" -gt 200 ] && break
+    tries=$((tries + 1))
+    [ "$tries" -lt 120 ] || { echo "demo: the main form did not appear" >&2; break; }
+  done
+  # One more frame, so that the picture shows the form fully painted.
+  sleep 1
   import -window root "$2"
   kill "$app" 2>/dev/null || true
 ' sh "$build/src/app/quaylight" "$shot"

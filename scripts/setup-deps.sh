@@ -1,9 +1,9 @@
 #!/bin/sh
 # Installs every Debian package that building, testing and the demo need. Safe to run twice.
 set -eu
-PKGS="cmake g++ ninja-build pkg-config qt6-base-dev libqt6sql6-sqlite qt6-qpa-plugins libqt6svg6-dev \
+PKGS="cmake g++ ninja-build pkg-config qt6-base-dev libqt6sql6-sqlite qt6-qpa-plugins qt6-svg-dev \
   libgtest-dev googletest zlib1g-dev libarchive-dev xvfb xauth openbox libxdo-dev libxtst-dev \
-  libx11-dev libgl-dev libegl-dev imagemagick clang-format"
+  libx11-dev libgl-dev libegl-dev imagemagick x11-utils clang-format"
 missing=""
 for p in $PKGS; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing="$missing $p"
