@@ -141,7 +141,8 @@ TEST(LaunchScript, EachClassAndSetting) {
         {"Numen", "/atari/Numen.xex", "/atari", "XP", "emu --run '/atari/Numen.xex'\n"},
         {"Read Me", "/atari/Read Me.txt", "/atari", "XP", "xdg-open '/atari/Read Me.txt'\n"},
         // Without a dot the extension is the whole text, carried behind the dot all the same.
-        {"Readme", "/atari/Games/README", "/atari", "XP", "xdg-open '/atari/Games/Readme./atari/Games/README'\n"},
+        {"Readme", "/atari/Games/README", "/atari", "XP",
+         "xdg-open '/atari/Games/Readme./atari/Games/README'\n"},
     };
     for (const auto& c : cases) {
         const QByteArray text =
