@@ -6,6 +6,9 @@
 
 #include <QDir>
 #include <QFile>
+#include <QImage>
+#include <QLinearGradient>
+#include <QPainter>
 #include <QRandomGenerator>
 #include <stdexcept>
 
@@ -93,6 +96,80 @@ QByteArray content(const DemoFile& f, quint32 seed) {
     return bytes;
 }
 
+// A few programs come with what a user adds over time: a description, their own machine settings
+// and a picture, so that the demo shows every part of the selection view.
+struct DemoDetails {
+    int tabNumber; // the tab's row, TabCode - 1
+    const char* tab;
+    const char* name;
+    const char* description;
+    int machineType; // 0 400/800 A, 1 400/800 B, 2 XL/XE
+    bool basic;
+    int video;  // 262 NTSC, 312 PAL
+    int memory; // K
+    QRgb sky, ground, ship;
+};
+
+const DemoDetails kDetails[] = {
+    {0, "Games", "Star Raiders (1979)(Atari)[!]",
+     "Doug Neubauer's space combat classic. Clear each sector of Zylon fighters before your "
+     "starbases fall; the galactic chart is on G, long-range scan on L.",
+     1, false, 262, 48, qRgb(8, 10, 40), qRgb(30, 30, 90), qRgb(240, 200, 60)},
+    {0, "Games", "Jumpman Junior", "Twelve new floors of girders, ladders and bombs. Needs an XL or XE.", 2,
+     false, 312, 64, qRgb(20, 20, 20), qRgb(170, 90, 30), qRgb(90, 220, 120)},
+    {5, "BASIC", "Lunar Lander",
+     "Type-in listing: land the module gently by pressing the trigger to fire the thrusters.", 1, true, 262,
+     48, qRgb(0, 0, 0), qRgb(120, 120, 120), qRgb(230, 230, 230)},
+    {9, "2600", "Pitfall! (1982)(Activision)", "Pitfall Harry's jungle run: 20 minutes, 32 treasures.", 1,
+     false, 262, 48, qRgb(40, 120, 40), qRgb(150, 110, 40), qRgb(230, 60, 60)},
+};
+
+// A simple scene in the emulator's 320 x 192 screen: a sky with stars, the ground and a ship.
+QImage demoPicture(const DemoDetails& d, quint32 seed) {
+    QImage image(320, 192, QImage::Format_RGB32);
+    QPainter p(&image);
+    QLinearGradient sky(0, 0, 0, 140);
+    sky.setColorAt(0, QColor(d.sky));
+    sky.setColorAt(1, QColor(d.sky).lighter(180));
+    p.fillRect(0, 0, 320, 140, sky);
+    QRandomGenerator rng(seed);
+    p.setPen(Qt::white);
+    for (int i = 0; i < 40; ++i)
+        p.drawPoint(rng.bounded(320), rng.bounded(130));
+    p.fillRect(0, 140, 320, 52, QColor(d.ground));
+    p.setPen(Qt::NoPen);
+    p.setBrush(QColor(d.ship));
+    p.drawPolygon(QPolygon({QPoint(160, 70), QPoint(140, 120), QPoint(180, 120)}));
+    p.drawEllipse(QPoint(160, 128), 26, 6);
+    return image;
+}
+
+void addDemoDetails(const QString& cataloguePath, const QString& base) {
+    Catalogue catalogue(cataloguePath);
+    Transaction t(catalogue);
+    quint32 seed = 2600;
+    for (const DemoDetails& d : kDetails) {
+        bool found = false;
+        for (ProgramRecord r : catalogue.programsByTabNumber(d.tabNumber)) {
+            if (r.name != QString::fromUtf8(d.name)) continue;
+            found = true;
+            r.description = QString::fromUtf8(d.description);
+            r.machineType = d.machineType;
+            r.basic = d.basic;
+            r.video = d.video;
+            r.memory = d.memory;
+            catalogue.updateProgram(r);
+        }
+        if (!found) throw std::runtime_error(std::string("The demo has no program ") + d.name);
+        const QString folder = base + QStringLiteral("ProgramImages/") + QString::fromUtf8(d.tab);
+        QDir().mkpath(folder);
+        const QString picture = folder + "/" + QString::fromUtf8(d.name) + ".jpg";
+        if (!demoPicture(d, ++seed).save(picture, "JPG", 90))
+            throw std::runtime_error("Cannot write " + picture.toStdString());
+    }
+    t.commit();
+}
+
 } // namespace
 
 void writeDemoCollection(const QString& folder) {
@@ -126,6 +203,7 @@ void writeDemoCollection(const QString& folder) {
     // cartridges and Everything.
     LinuxFileSystem fileSystem;
     rebuildCatalogue(savedTabsRequest(cataloguePath, {}, true, true), fileSystem);
+    addDemoDetails(cataloguePath, base);
 }
 
 } // namespace ql
