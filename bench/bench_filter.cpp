@@ -84,7 +84,7 @@ int main(int argc, char** argv) {
     }
     std::printf("worst keystroke: %.2f ms (target under 16 ms)\n", worst);
 
-    // A keystroke right after another connection committed reads the category again.
+    // A keystroke right after a commit reads the category again.
     std::vector<double> cold;
     for (int r = 0; r < kRepeats; ++r) {
         {
@@ -99,6 +99,6 @@ int main(int argc, char** argv) {
         form.txtSearch->setText(r % 2 ? "star" : "sta");
         cold.push_back(t.nsecsElapsed() / 1e6);
     }
-    std::printf("keystroke after a commit elsewhere (category read again): %.2f ms\n", median(cold));
+    std::printf("keystroke after a commit (category read again): %.2f ms\n", median(cold));
     return 0;
 }

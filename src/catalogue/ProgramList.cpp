@@ -2,6 +2,9 @@
 #include "JetText.h"
 #include "StringFuncs.h"
 
+#include <QFile>
+#include <sys/stat.h>
+
 namespace ql {
 
 namespace {
@@ -35,32 +38,43 @@ std::vector<ListRow> listRows(Catalogue& catalogue, const QString& caption, cons
     return rows;
 }
 
-CategoryList::CategoryList() = default;
-CategoryList::~CategoryList() = default;
+CatalogueStamp catalogueStamp(const QString& cataloguePath) {
+    CatalogueStamp stamp;
+    stamp.commits = Catalogue::commitCount();
+    struct stat st {};
+    if (::stat(QFile::encodeName(cataloguePath).constData(), &st) == 0) {
+        stamp.device = st.st_dev;
+        stamp.inode = st.st_ino;
+        stamp.size = st.st_size;
+        stamp.modifiedNs = st.st_mtim.tv_sec * 1'000'000'000LL + st.st_mtim.tv_nsec;
+    }
+    if (::stat(QFile::encodeName(cataloguePath + QStringLiteral("-wal")).constData(), &st) == 0) {
+        stamp.logSize = st.st_size;
+        stamp.logModifiedNs = st.st_mtim.tv_sec * 1'000'000'000LL + st.st_mtim.tv_nsec;
+    }
+    return stamp;
+}
 
 void CategoryList::clear() {
     rows_.clear();
-    connection_.reset();
-    version_ = -1;
+    stamp_.reset();
 }
 
 std::vector<ListRow> CategoryList::rows(const QString& cataloguePath, const QString& caption,
                                         const QString& searchText) {
-    if (!connection_ || path_ != cataloguePath) {
+    // Taken before the read: a commit that lands during it changes the stamp again, so the next
+    // call reads once more rather than keeping rows older than the file.
+    const CatalogueStamp stamp = catalogueStamp(cataloguePath);
+    if (!stamp_ || *stamp_ != stamp || path_ != cataloguePath || caption_ != caption) {
         clear();
-        connection_ = std::make_unique<Catalogue>(cataloguePath);
-        path_ = cataloguePath;
-    }
-    const qint64 version = connection_->dataVersion();
-    if (version != version_ || caption != caption_) {
-        rows_.clear();
-        version_ = -1;
-        connection_->forEachInCategory(caption, QString(), [&](const RawListRow& row) {
+        Catalogue catalogue(cataloguePath);
+        catalogue.forEachInCategory(caption, QString(), [&](const RawListRow& row) {
             if (isListedFile(row.fileName1)) rows_.push_back({row.programCode, std::string(row.name)});
             return true;
         });
-        version_ = version;
+        path_ = cataloguePath;
         caption_ = caption;
+        stamp_ = stamp;
     }
     std::vector<ListRow> result;
     const auto take = [&](const Row& row) {

@@ -1,7 +1,7 @@
 #pragma once
 #include "Store.h"
 
-#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,17 +22,28 @@ bool isListedFile(const QString& fileName1);
 // The rows a tab lists for its caption and the filter, in name order, at most kMaxListRows.
 std::vector<ListRow> listRows(Catalogue& catalogue, const QString& caption, const QString& searchText);
 
+// What a catalogue file looks like from outside: which file the name stands for, and the size and
+// time of the file and of its write-ahead log. Any commit changes the log or, once it has been
+// folded back, the file.
+struct CatalogueStamp {
+    quint64 commits = 0; // commits of this process, which need no clock
+    quint64 device = 0, inode = 0;
+    qint64 size = -1, modifiedNs = 0;
+    qint64 logSize = -1, logModifiedNs = 0;
+    bool operator==(const CatalogueStamp&) const = default;
+};
+CatalogueStamp catalogueStamp(const QString& cataloguePath);
+
 // The same rows, for the filter as the user types. A whole category is read once and kept with
-// the version of the catalogue it was read at; every call asks SQLite whether any connection, of
-// this process or another, has committed since, and reads again if so. The result is always what
-// listRows would give, without a scan of the category at every keystroke.
+// the stamp of the catalogue it was read at; each call compares the stamp (two stat calls) and
+// reads again when anything has committed since, in this process or another. No connection is
+// held between calls, so a catalogue replaced under the same name is simply read anew. The result
+// is always what listRows would give, without a scan of the category at every keystroke.
 class CategoryList {
 public:
-    CategoryList();
-    ~CategoryList();
     std::vector<ListRow> rows(const QString& cataloguePath, const QString& caption,
                               const QString& searchText);
-    // Lets go of the rows and the connection.
+    // Lets go of the kept rows.
     void clear();
 
 private:
@@ -40,10 +51,9 @@ private:
         int programCode;
         std::string name;
     };
-    std::unique_ptr<Catalogue> connection_;
     QString path_;
     QString caption_;
-    qint64 version_ = -1;
+    std::optional<CatalogueStamp> stamp_;
     std::vector<Row> rows_;
 };
 

@@ -14,6 +14,8 @@ namespace ql {
 
 namespace {
 
+std::atomic<quint64> gCommits{0};
+
 // The whole schema of a new catalogue. Text columns compare and sort ignoring case (JET).
 const char* const kSchema[] = {
     R"(CREATE TABLE Programs (
@@ -126,6 +128,13 @@ Catalogue::Catalogue(const QString& path) : connectionName_(nextConnectionName()
     handle_ = nativeHandle(db_);
     if (!handle_) throw StoreError(QStringLiteral("The SQLite driver gave no handle for %1.").arg(shown));
     registerJetFunctions(handle_);
+    sqlite3_commit_hook(
+        handle_,
+        [](void*) {
+            ++gCommits;
+            return 0; // let the commit go ahead
+        },
+        nullptr);
 
     QSqlQuery q(db_);
     if (!q.exec(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'")))
@@ -447,9 +456,8 @@ std::vector<DiskFileRecord> Catalogue::diskFilesByCrcLongestFirst(const QString&
     return rows;
 }
 
-qint64 Catalogue::dataVersion() {
-    QSqlQuery q = run(QStringLiteral("PRAGMA data_version"));
-    return q.next() ? q.value(0).toLongLong() : -1;
+quint64 Catalogue::commitCount() {
+    return gCommits.load();
 }
 
 void Catalogue::begin() {

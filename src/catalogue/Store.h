@@ -137,8 +137,8 @@ public:
     std::vector<QString> distinctDiskFileCrcs();
     std::vector<DiskFileRecord> diskFilesByCrcLongestFirst(const QString& crc);
 
-    // Changes whenever another connection, of any process, has committed to the file.
-    qint64 dataVersion();
+    // Counts the commits that connections of this process have made, to any catalogue.
+    static quint64 commitCount();
 
     // Work that must land whole or not at all.
     void begin();

@@ -1,6 +1,11 @@
 #include "ProgramList.h"
 #include "TestWorld.h"
 
+#include "JetText.h"
+
+#include <QFile>
+#include <sqlite3.h>
+
 #include <gtest/gtest.h>
 
 using namespace ql;
@@ -87,6 +92,44 @@ TEST(CategoryList, SeesEveryCommit) {
     EXPECT_EQ(names("FAVOURITES", ""), std::vector<QString>{"Archon"});
     world.open()->deleteProgram(code);
     EXPECT_TRUE(names("Favourites", "").empty());
+
+    // A catalogue put back under the same name, as a restored backup is.
+    const QString other = world.path("backup.mdb");
+    Catalogue::create(other);
+    Catalogue(other).addProgram(program("Games", "Boulder Dash", "/b.atr"));
+    ASSERT_TRUE(QFile::remove(path));
+    ASSERT_TRUE(QFile::rename(other, path));
+    EXPECT_EQ(names("Games", ""), std::vector<QString>{"Boulder Dash"});
+}
+
+// A writer outside this process goes through SQLite alone: nothing here hears of its commit, only
+// the files change. A bare SQLite connection stands in for it.
+TEST(CategoryList, SeesCommitsOfOtherWriters) {
+    TestWorld world;
+    world.makeCatalogue();
+    const QString path = world.path("Atari.mdb");
+    world.open()->addProgram(program("Games", "Archon", "/a.atr"));
+    CategoryList kept;
+    ASSERT_EQ(kept.rows(path, "Games", "").size(), 1u);
+    const quint64 commits = Catalogue::commitCount();
+
+    sqlite3* other = nullptr;
+    ASSERT_EQ(sqlite3_open(QFile::encodeName(path).constData(), &other), SQLITE_OK);
+    registerJetFunctions(other);
+    for (const char* sql :
+         {"INSERT INTO Programs (Category, Name, FileName1) VALUES ('Games', 'Zaxxon', '/z.atr')",
+          "UPDATE Programs SET Name = 'Archon II' WHERE Name = 'Archon'"}) {
+        ASSERT_EQ(sqlite3_exec(other, sql, nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(other);
+        std::vector<QString> names, fromQuery;
+        for (const ListRow& r : kept.rows(path, "Games", ""))
+            names.push_back(r.name);
+        for (const ListRow& r : listRows(*world.open(), "Games", ""))
+            fromQuery.push_back(r.name);
+        EXPECT_EQ(names, fromQuery) << sql;
+        EXPECT_EQ(names.size(), 2u) << sql;
+    }
+    sqlite3_close(other);
+    ASSERT_EQ(Catalogue::commitCount(), commits) << "the other writer must not count as this process";
 }
 
 TEST(ListRows, StopsAt32767) {
@@ -100,8 +143,11 @@ TEST(ListRows, StopsAt32767) {
     for (int i = 0; i < kMaxListRows; ++i)
         c->addProgram(program("Games", QString("H%1").arg(i, 6, 10, QChar('0')), "/h.xex"));
     t.commit();
-    const auto rows = listRows(*c, "Games", "");
-    ASSERT_EQ(rows.size(), static_cast<size_t>(kMaxListRows));
-    EXPECT_EQ(rows.front().name, "G000001");
-    EXPECT_TRUE(rows.back().name.startsWith("H")) << "rows in query order up to the cut";
+    CategoryList kept;
+    // The list's query and the kept rows the form lists from cut at the same row.
+    for (const auto& rows : {listRows(*c, "Games", ""), kept.rows(world.path("Atari.mdb"), "Games", "")}) {
+        ASSERT_EQ(rows.size(), static_cast<size_t>(kMaxListRows));
+        EXPECT_EQ(rows.front().name, "G000001");
+        EXPECT_TRUE(rows.back().name.startsWith("H")) << "rows in query order up to the cut";
+    }
 }
