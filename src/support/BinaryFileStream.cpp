@@ -20,14 +20,17 @@ FileError fileError(const QString& what, const QString& path, int err) {
 void cBinaryFileStream::file(const QString& sFile) {
     Dispose();
     file_ = sFile;
-    const int fd = ::open(QFile::encodeName(sFile).constData(), O_RDONLY | O_CLOEXEC);
+    // Non-blocking, so that a named pipe in a collection cannot stop the program waiting for a
+    // writer; it is refused below with every other kind of file that has no contents to read.
+    const int fd = ::open(QFile::encodeName(sFile).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (fd < 0) throw fileError(QStringLiteral("Cannot open"), sFile, errno);
     struct stat st {};
-    if (::fstat(fd, &st) != 0 || S_ISDIR(st.st_mode)) {
-        const int err = S_ISDIR(st.st_mode) ? EISDIR : errno;
+    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+        const int err = S_ISDIR(st.st_mode) ? EISDIR : !S_ISREG(st.st_mode) ? EINVAL : errno;
         ::close(fd);
         throw fileError(QStringLiteral("Cannot open"), sFile, err);
     }
+    ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
     // One pass from front to back: let the kernel read ahead generously.
     ::posix_fadvise(fd, 0, 0, POSIX_FADV_SEQUENTIAL);
     fd_ = fd;

@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QSqlQuery>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <zlib.h>
 
 using namespace ql;
@@ -187,20 +188,23 @@ TEST_F(RebuildTest, OddNamesAndUnreadableFiles) {
     world.writeFile("T/Archon, The Light.xex", archon);
     world.writeFile("T/Yars' Revenge.a26", "yars");
     world.writeFile("T/Empty.atr", "");
+    ASSERT_EQ(::mkfifo(QFile::encodeName(world.path("T/Pipe.atr")).constData(), 0600), 0);
     VanishingFileSystem fs;
     fs.ghosts << "Gone.atr";
     rebuildTab(5, "It's \"BASIC\"", world.path("T"), &fs); // typed without its closing separator
     const auto r = rows(5);
-    ASSERT_EQ(r.size(), 4u);
+    ASSERT_EQ(r.size(), 5u);
     EXPECT_EQ(r[0].name, "Archon, The Light");
     EXPECT_EQ(r[0].fileName1, world.path("T/Archon The Light.xex"));
     EXPECT_EQ(r[0].crc, zlibCrc(archon)) << "taken from the real file, before the comma goes";
     EXPECT_EQ(r[0].category, "It's \"BASIC\"");
     EXPECT_EQ(r[1].name, "Empty");
     EXPECT_EQ(r[1].crc, "0");
-    EXPECT_EQ(r[2].name, "Yars' Revenge");
-    EXPECT_EQ(r[3].name, "Gone");
-    EXPECT_EQ(r[3].crc, "0") << "a file that cannot be read still gets its row";
+    EXPECT_EQ(r[2].name, "Pipe");
+    EXPECT_EQ(r[2].crc, "0") << "a named pipe neither blocks the walk nor has a CRC";
+    EXPECT_EQ(r[3].name, "Yars' Revenge");
+    EXPECT_EQ(r[4].name, "Gone");
+    EXPECT_EQ(r[4].crc, "0") << "a file that cannot be read still gets its row";
 }
 
 TEST_F(RebuildTest, TargetsInOrderWithCartridgesAndEverything) {

@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <zlib.h>
 
@@ -121,6 +122,8 @@ TEST(Crc32Test, SameContentsSameValueAndMissingFilesGiveZero) {
     EXPECT_NE(a, 0);
     EXPECT_EQ(fileCrcOrZero(crc, stream, world.path("missing.atr")), 0);
     EXPECT_EQ(fileCrcOrZero(crc, stream, world.path("copy")), 0) << "a folder is no file";
+    ASSERT_EQ(::mkfifo(QFile::encodeName(world.path("pipe.atr")).constData(), 0600), 0);
+    EXPECT_EQ(fileCrcOrZero(crc, stream, world.path("pipe.atr")), 0) << "a pipe neither blocks nor counts";
     EXPECT_THROW(stream.file(world.path("missing.atr")), FileError);
 }
 
