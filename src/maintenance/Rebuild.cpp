@@ -105,6 +105,7 @@ public:
         if (folder.contains(QLatin1String("__"))) return;
         if (IsBlank(folder)) return;
         const std::vector<DirEntry> entries = fs_.list(folder);
+        found_(out.size()); // a tree of folders without a single program still shows its progress
         for (const DirEntry& e : entries) {
             if (e.attributes & (attr::Directory | attr::Hidden)) continue;
             if (!(cartridges_ ? isCartridgeFile(e.name) : isKnownProgramFile(e.name))) continue;

@@ -198,7 +198,7 @@ void frmUtility::closeEvent(QCloseEvent* event) {
 
 bool frmUtility::eventFilter(QObject* watched, QEvent* event) {
     if (watched == lblAll && event->type() == QEvent::MouseButtonDblClick) {
-        lblAll_DblClick();
+        if (!rebuilding_) lblAll_DblClick();
         return true;
     }
     return QDialog::eventFilter(watched, event);
@@ -252,6 +252,21 @@ void frmUtility::showProgress(const RebuildProgress& p) {
     host_.clock.pumpEvents(0);
 }
 
+// While a rebuild holds the catalogue, the rows it works from stay as they were chosen, and
+// nothing on the form can start a second write that would wait on the first.
+void frmUtility::setRebuilding(bool on) {
+    rebuilding_ = on;
+    for (int i = 0; i < kFormRows; ++i) {
+        chkSelected[i]->setEnabled(!on);
+        txtTabName[i]->setReadOnly(on);
+        txtTabSource[i]->setReadOnly(on);
+        cmdTabSource[i]->setEnabled(!on);
+    }
+    for (QWidget* w :
+         std::initializer_list<QWidget*>{cmdSaveTabInfo, cmdRebuild, chkRebuildEverything, cmdClose})
+        w->setEnabled(!on);
+}
+
 void frmUtility::cmdRebuild_Click() {
     if (rebuilding_) return; // a click that came in while the rebuild let events through
     RebuildRequest request;
@@ -263,9 +278,7 @@ void frmUtility::cmdRebuild_Click() {
             request.tabs.push_back({i, txtTabName[i]->text(), txtTabSource[i]->text()});
     request.everything = chkRebuildEverything->isChecked();
 
-    rebuilding_ = true;
-    cmdRebuild->setEnabled(false);
-    cmdClose->setEnabled(false);
+    setRebuilding(true);
     prgRebuild->setValue(0);
     QString outcome = QStringLiteral("Operation Complete!");
     try {
@@ -276,9 +289,7 @@ void frmUtility::cmdRebuild_Click() {
         outcome = QStringLiteral("The rebuild stopped: %1\nThe category being rebuilt keeps its old entries.")
                       .arg(QString::fromUtf8(e.what()));
     }
-    rebuilding_ = false;
-    cmdRebuild->setEnabled(true);
-    cmdClose->setEnabled(true);
+    setRebuilding(false);
     host_.dialogs.message(outcome);
     guarded([this] {
         mainForm_.loadTabs();

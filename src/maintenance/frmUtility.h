@@ -62,6 +62,7 @@ private:
     void colourRow(int row, const QColor& colour);
     void resetRowColour(int row);
     void showProgress(const RebuildProgress& progress);
+    void setRebuilding(bool on);
     TabRows rowsOnForm() const;
     // Runs a handler; a failure of the catalogue or the disk is told to the user, never fatal.
     void guarded(const std::function<void()>& handler);

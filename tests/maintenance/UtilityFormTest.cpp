@@ -2,6 +2,7 @@
 #include "frmUtility.h"
 
 #include <QCheckBox>
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
@@ -163,6 +164,41 @@ TEST_F(UtilityFormTest, RebuildUsesTheTextBoxesAndRefreshesTheMainForm) {
         << "the rows are back to the window colour";
     EXPECT_FALSE(form->rebuilding());
     EXPECT_TRUE(form->cmdRebuild->isEnabled());
+}
+
+// Clicks that arrive while the rebuild lets events through change neither the catalogue nor the
+// rows being rebuilt, and none of them has to wait for the rebuild's write.
+TEST_F(UtilityFormTest, NothingOnTheFormActsDuringARebuild) {
+    world.writeFile("Games/Star Raiders.atr", "disk");
+    form->Form_Load();
+    form->txtTabSource[0]->setText(world.path("Games/"));
+    form->chkSelected[0]->setChecked(true);
+    int pumps = 0;
+    world.fake().clock.onPump = [&] {
+        ++pumps;
+        QTest::mouseClick(form->cmdSaveTabInfo, Qt::LeftButton);
+        QTest::mouseDClick(form->lblAll, Qt::LeftButton);
+        QTest::mouseClick(form->chkSelected[1], Qt::LeftButton);
+        QTest::mouseClick(form->cmdTabSource[1], Qt::LeftButton);
+        QTest::keyClicks(form->txtTabName[1], "x");
+        QTest::mouseClick(form->cmdClose, Qt::LeftButton);
+    };
+    QElapsedTimer timer;
+    timer.start();
+    form->cmdRebuild_Click();
+    world.fake().clock.onPump = nullptr;
+    EXPECT_GT(pumps, 0);
+    EXPECT_LT(timer.elapsed(), 5000) << "no click waited on the catalogue";
+    EXPECT_EQ(world.fake().dialogs.messages, std::vector<QString>{"Operation Complete!"});
+    EXPECT_TRUE(dialogs.requests.empty());
+    EXPECT_TRUE(form->chkSelected[0]->isChecked());
+    EXPECT_FALSE(form->chkSelected[1]->isChecked());
+    EXPECT_EQ(form->txtTabName[1]->text(), "Demos");
+    EXPECT_EQ(world.open()->tabs()[0].tabSource, "") << "the typed folder was not saved";
+    EXPECT_EQ(form->result(), 0) << "Close did nothing";
+    for (QWidget* w : std::initializer_list<QWidget*>{form->cmdSaveTabInfo, form->cmdRebuild, form->cmdClose,
+                                                      form->chkSelected[1], form->cmdTabSource[1]})
+        EXPECT_TRUE(w->isEnabled()) << w->objectName().toStdString() << " is usable again";
 }
 
 TEST_F(UtilityFormTest, FailedRebuildSaysSoAndKeepsTheOldRows) {

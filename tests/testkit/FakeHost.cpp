@@ -54,6 +54,7 @@ bool FakeScripts::remove(const QString& fullPath) {
 void FakeClock::pumpEvents(double maxSeconds) {
     ++pumps;
     time += std::max(maxSeconds, 0.001);
+    if (onPump) onPump();
 }
 
 FakeHost::FakeHost(const QString& scriptFolder)

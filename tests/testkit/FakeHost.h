@@ -1,4 +1,5 @@
 #pragma once
+#include <functional>
 // A host that records what the program does and answers its questions from a script.
 
 #include "Host.h"
@@ -57,6 +58,7 @@ public:
     void pumpEvents(double maxSeconds) override;
     double time = 1000.0;
     int pumps = 0;
+    std::function<void()> onPump; // stands for the user's events that a pump lets through
 };
 
 class FakeKeyboard : public Keyboard {
