@@ -10,14 +10,20 @@ demo="${1:-$here/demo}"
 collection="$demo/collection"
 # The demo keeps its own settings, so the user's own Quaylight settings are never touched.
 export XDG_CONFIG_HOME="$demo/config" XDG_STATE_HOME="$demo/state"
-if [ -e "$collection/.quaylight-demo" ]; then
-  rm -rf -- "$collection"
-elif [ -e "$collection" ]; then
-  echo "demo: $collection exists and is not a demo collection; not touching it" >&2
-  exit 1
+# The mark is set before the collection is written, so that a run stopped half-way is cleaned up
+# by the next one; a folder that has no mark is never deleted.
+marker="$demo/.collection-is-a-demo"
+if [ -e "$collection" ]; then
+  if [ -e "$marker" ]; then
+    rm -rf -- "$collection"
+  else
+    echo "demo: $collection exists and is not a demo collection; not touching it" >&2
+    exit 1
+  fi
 fi
+mkdir -p -- "$demo"
+touch -- "$marker"
 "$build/tools/cli/quaylight-cli" demo "$collection"
-touch "$collection/.quaylight-demo"
 if [ -x "$here/scripts/write-demo-associations.sh" ]; then
   "$here/scripts/write-demo-associations.sh" "$build"
 fi

@@ -356,14 +356,20 @@ bool frmMain::Form_Load(const QString& currentFolder) {
 
 void frmMain::loadTabs() {
     Catalogue catalogue(cataloguePath_);
-    for (const TabRecord& tab : catalogue.tabs()) {
-        const int index = tab.tabCode - 1;
-        if (index < 0 || index >= kTabCount)
-            continue; // row 25 belongs to the resident cartridges; no tab shows it
-        CategoryTabs->setTabText(index, tab.tabName);
-        // A tab without a caption lists nothing; hiding it keeps the strip to the named tabs.
-        CategoryTabs->setTabVisible(index, !tab.tabName.isEmpty());
+    {
+        // Hiding the tab on show moves the strip on; that tab is listed once every caption is read.
+        const QSignalBlocker blockTabs(CategoryTabs);
+        for (const TabRecord& tab : catalogue.tabs()) {
+            const int index = tab.tabCode - 1;
+            if (index < 0 || index >= kTabCount)
+                continue; // row 25 belongs to the resident cartridges; no tab shows it
+            CategoryTabs->setTabText(index, tab.tabName);
+            // A tab without a caption lists nothing; hiding it keeps the strip to the named tabs.
+            CategoryTabs->setTabVisible(index, !tab.tabName.isEmpty());
+        }
     }
+    if (CategoryTabs->currentIndex() != currentTab_ && CategoryTabs->currentIndex() >= 0)
+        CategoryTabs_TabActivate(CategoryTabs->currentIndex());
     const QSignalBlocker block(cmbResCart);
     cmbResCart->clear();
     cmbResCart->addItem(QStringLiteral("No Cartridge"), 0);

@@ -97,6 +97,28 @@ TEST_F(MainFormTest, EmptyCaptionLeavesTheListAlone) {
     EXPECT_EQ(files(), "Files: 6");
 }
 
+// A rename in the utility form can take the caption of the tab on show: the strip then moves to a
+// named tab and lists that one, never a tab whose caption is not read yet.
+TEST_F(MainFormTest, BlankingTheCurrentTabListsTheTabTheStripMovesTo) {
+    form->CategoryTabs->setCurrentIndex(1);
+    ASSERT_EQ(listed(), (std::vector<QString>{"Numen", "Starfield"}));
+    world.open()->addProgram(program("Utilities", "DOS 2.5", "/atari/dos.atr"));
+    world.open()->updateTab(2, "", "");
+    world.open()->updateTab(3, "Utilities, renamed", "");
+    form->loadTabs();
+    const int shown = form->CategoryTabs->currentIndex();
+    EXPECT_TRUE(form->CategoryTabs->isTabVisible(shown));
+    EXPECT_FALSE(form->CategoryTabs->isTabVisible(1));
+    EXPECT_FALSE(form->CategoryTabs->tabText(shown).startsWith("Tab")) << "a caption from the catalogue";
+    EXPECT_EQ(files(), QString("Files: %1").arg(listed().size()));
+    if (shown == 0) EXPECT_EQ(listed().size(), 6u);
+    if (shown == 2) EXPECT_TRUE(listed().empty());
+    // And the user can go back to any named tab.
+    form->CategoryTabs->setCurrentIndex(shown == 0 ? 2 : 0);
+    form->CategoryTabs->setCurrentIndex(0);
+    EXPECT_EQ(listed().size(), 6u);
+}
+
 TEST_F(MainFormTest, TypingInTheListExtendsTheFilter) {
     form->prgList->setFocus();
     QTest::keyClicks(form->prgList, "ar");
