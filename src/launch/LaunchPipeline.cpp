@@ -9,11 +9,40 @@ namespace {
 
 const QString kRun5200 = QStringLiteral("run5200.bin");
 
-// A command line of the association table with the file put in place of %f, quoted.
-QString withFile(QString command, const QString& file) {
+// A command line of the association table with the file in place of each %f. Outside quotes the
+// file goes in as one quoted word. Inside quotes, as in "%f" or '--file=%f', a quoted word would
+// be taken apart again, so there the file goes in as the parameter $1 of the line, set first:
+// the shell expands a parameter but never reads it as code.
+QString withFile(const QString& command, const QString& file) {
     const QString quoted = ShellQuote(file);
     if (!command.contains(QLatin1String("%f"))) return command + QLatin1Char(' ') + quoted;
-    return ReplaceString(command, QStringLiteral("%f"), quoted);
+    QString line;
+    QChar quote; // the quote character that is open, null outside quotes
+    bool usesParameter = false;
+    for (qsizetype i = 0; i < command.size(); ++i) {
+        const QChar c = command[i];
+        if (c == QLatin1Char('%') && i + 1 < command.size() && command[i + 1] == QLatin1Char('f')) {
+            ++i;
+            if (quote.isNull()) {
+                line += quoted;
+            } else {
+                usesParameter = true;
+                // Within single quotes nothing expands: close them around the parameter.
+                line += quote == QLatin1Char('"') ? QStringLiteral("$1") : QStringLiteral("'\"$1\"'");
+            }
+            continue;
+        }
+        line += c;
+        const bool escapes = c == QLatin1Char('\\') && quote != QLatin1Char('\'');
+        if (escapes && i + 1 < command.size()) {
+            line += command[++i];
+        } else if (quote.isNull() && (c == QLatin1Char('\'') || c == QLatin1Char('"'))) {
+            quote = c;
+        } else if (c == quote) {
+            quote = QChar();
+        }
+    }
+    return usesParameter ? QStringLiteral("set -- ") + quoted + QStringLiteral("; ") + line : line;
 }
 
 // Opening a data file the way the desktop would: the association table, else xdg-open.

@@ -88,6 +88,35 @@ TEST_F(LaunchScriptRun, HostileFileNamesReachTheEmulatorAsPlainText) {
     EXPECT_EQ(sideEffects(), QStringList{});
 }
 
+// Association tables copied from desktop files often quote the file themselves.
+TEST_F(LaunchScriptRun, HostileNamesThroughCommandsThatQuoteTheFile) {
+    const QString emu = ShellQuote(emulator);
+    const struct {
+        QString command;
+        QString (*expected)(const QString& file);
+    } commands[] = {
+        {emu + " \"%f\"", [](const QString& f) { return f; }},
+        {emu + " '%f'", [](const QString& f) { return f; }},
+        {emu + " --disk=\"%f\"", [](const QString& f) { return "--disk=" + f; }},
+        {emu + " 'x %f y'", [](const QString& f) { return "x " + f + " y"; }},
+        {emu + " \"it\\\"s %f\"", [](const QString& f) { return "it\"s " + f; }},
+        {emu + " %f \"%f\"", [](const QString& f) { return f; }},
+    };
+    for (const auto& command : commands) {
+        associations.extensions = {{"atr", command.command}};
+        for (const char* hostile : kHostile) {
+            const QString name = QString::fromUtf8(hostile);
+            QFile::remove(log);
+            const QString file = world.writeFile("Games/" + name + ".atr");
+            run(program("Games", name, file));
+            QStringList expected{command.expected(file)};
+            if (command.command.endsWith("%f \"%f\"")) expected << file;
+            EXPECT_EQ(logged(), expected) << command.command.toStdString() << " with " << hostile;
+        }
+    }
+    EXPECT_EQ(sideEffects(), QStringList{});
+}
+
 TEST_F(LaunchScriptRun, HostileNameStandingInForTheFile) {
     const QString file = world.writeFile("Games/plain.atr");
     run(program("Games", "x$(touch PWNED8)';touch PWNED9;'", file));
