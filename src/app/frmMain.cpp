@@ -108,7 +108,17 @@ void frmMain::buildControls() {
     prgList->installEventFilter(this);
     connect(prgList->selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this](const QModelIndex& current) {
-                if (current.isValid()) guarded([&] { prgList_Click(); });
+                if (!current.isValid()) return;
+                if (refillingList_) {
+                    // A refill shows its first row quietly: the list stands whatever the view meets,
+                    // and a keystroke in the filter never raises a message.
+                    try {
+                        prgList_Click();
+                    } catch (const std::exception&) {
+                    }
+                    return;
+                }
+                guarded([&] { prgList_Click(); });
             });
     connect(prgList, &QListView::doubleClicked, this, [this] { guarded([&] { prgList_DblClick(); }); });
 
@@ -384,7 +394,19 @@ void frmMain::GeneralInit() {
     lblLabel[2]->setText(QStringLiteral("Total: %1").arg(catalogueTotal(catalogue)));
 }
 
+int frmMain::shownTab(int index) const {
+    if (index < 0 || index >= kTabCount || CategoryTabs->isTabVisible(index)) return index;
+    for (int step = 1; step < kTabCount; ++step) {
+        const int next = (index + step) % kTabCount;
+        if (CategoryTabs->isTabVisible(next)) return next;
+    }
+    return index; // no tab has a caption: nothing to list, and the list stays as it is
+}
+
 void frmMain::CategoryTabs_TabActivate(int tabToActivate) {
+    // A tab without a caption is hidden; asking for it goes on to the next named tab, so the strip,
+    // CurrentTab and the list never disagree.
+    tabToActivate = shownTab(tabToActivate);
     currentTab_ = tabToActivate;
     if (CategoryTabs->currentIndex() != tabToActivate) {
         const QSignalBlocker block(CategoryTabs);
@@ -399,7 +421,11 @@ void frmMain::UpdateListBox(const QString& caption) {
     const int count = static_cast<int>(rows.size());
     model_.setRows(std::move(rows));
     lblLabel[1]->setText(QStringLiteral("Files: %1").arg(count));
-    if (count > 0) prgList->setCurrentIndex(model_.index(0));
+    if (count > 0) {
+        refillingList_ = true;
+        prgList->setCurrentIndex(model_.index(0));
+        refillingList_ = false;
+    }
 }
 
 void frmMain::txtSearch_Change() {

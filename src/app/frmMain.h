@@ -101,6 +101,8 @@ private:
     void prgList_KeyPress(const QString& text);
     // Runs a handler; a failure of the catalogue or the disk is told to the user, never fatal.
     void guarded(const std::function<void()>& handler);
+    // The tab that activating index shows: itself, or the next one with a caption.
+    int shownTab(int index) const;
 
     Host& host_;
     ProgramListModel model_;
@@ -114,6 +116,8 @@ private:
     bool dragPending_ = false;
     // Ends the nested clicks that chkOSType_Click causes by setting and clearing the boxes.
     bool osTypeGuard_ = false;
+    // Set while UpdateListBox selects its first row.
+    bool refillingList_ = false;
 };
 
 } // namespace ql

@@ -92,9 +92,12 @@ TEST_F(MainFormTest, NoMatchKeepsTheLastProgramOnShow) {
 TEST_F(MainFormTest, EmptyCaptionLeavesTheListAlone) {
     const auto before = listed();
     form->UpdateListBox(QString());
-    form->CategoryTabs_TabActivate(3);
     EXPECT_EQ(listed(), before);
     EXPECT_EQ(files(), "Files: 6");
+    // The tab without a caption is hidden: asking for it shows the next named one.
+    form->CategoryTabs_TabActivate(3);
+    EXPECT_EQ(form->currentTab(), 4);
+    EXPECT_EQ(form->CategoryTabs->currentIndex(), 4);
 }
 
 // A rename in the utility form can take the caption of the tab on show: the strip then moves to a
@@ -111,8 +114,11 @@ TEST_F(MainFormTest, BlankingTheCurrentTabListsTheTabTheStripMovesTo) {
     EXPECT_FALSE(form->CategoryTabs->isTabVisible(1));
     EXPECT_FALSE(form->CategoryTabs->tabText(shown).startsWith("Tab")) << "a caption from the catalogue";
     EXPECT_EQ(files(), QString("Files: %1").arg(listed().size()));
-    if (shown == 0) EXPECT_EQ(listed().size(), 6u);
-    if (shown == 2) EXPECT_TRUE(listed().empty());
+    if (shown == 0) {
+        EXPECT_EQ(listed().size(), 6u);
+    } else if (shown == 2) {
+        EXPECT_TRUE(listed().empty());
+    }
     // And the user can go back to any named tab.
     form->CategoryTabs->setCurrentIndex(shown == 0 ? 2 : 0);
     form->CategoryTabs->setCurrentIndex(0);
@@ -155,4 +161,31 @@ TEST(MainFormStart, ANonCatalogueIsToldAndLeftAlone) {
     EXPECT_FALSE(form.Form_Load(world.root()));
     ASSERT_EQ(world.fake().dialogs.messages.size(), 1u);
     EXPECT_TRUE(world.fake().dialogs.messages[0].contains("not a Quaylight catalogue"));
+}
+
+// With the first tab unnamed, the start and a rebuild's refresh land on the first named tab, and
+// the filter works on the rows that are shown.
+TEST(MainFormStart, ABlankFirstTabStartsOnTheFirstNamedTab) {
+    TestWorld world;
+    world.makeCatalogue();
+    {
+        auto c = world.open();
+        c->updateTab(1, "", "");
+        c->updateTab(2, "Demos", "");
+        c->addProgram(program("Demos", "Numen", "/a/numen.xex"));
+        c->addProgram(program("Demos", "Joyride", "/a/joyride.xex"));
+    }
+    frmMain form(world.fake().host());
+    ASSERT_TRUE(form.Form_Load(world.root()));
+    const auto shows = [&](int tab, const char* files) {
+        EXPECT_EQ(form.currentTab(), tab);
+        EXPECT_EQ(form.CategoryTabs->currentIndex(), tab);
+        EXPECT_EQ(form.lblLabel[1]->text(), files);
+    };
+    shows(1, "Files: 2");
+    form.txtSearch->setText("joy");
+    shows(1, "Files: 1");
+    form.CategoryTabs_TabActivate(0);
+    shows(1, "Files: 1");
+    EXPECT_TRUE(world.fake().dialogs.messages.empty());
 }
