@@ -9,7 +9,10 @@ namespace ql {
 StartupResult startUp(Host& host, const QString& currentFolder) {
     StartupResult result;
     result.cataloguePath = QDir(currentFolder).absoluteFilePath(kCatalogueFileName);
-    if (!FileExists(host.fileSystem, result.cataloguePath)) {
+    // A folder by that name is no catalogue either (folders carry more than the directory flag here).
+    const auto attributes = host.fileSystem.attributes(result.cataloguePath);
+    if (!FileExists(host.fileSystem, result.cataloguePath) ||
+        (attributes && (*attributes & attr::Directory))) {
         host.dialogs.message(QStringLiteral(
             "Error! - Cannot locate Atari.mdb - please check the properties of this shortcut"));
         return result;

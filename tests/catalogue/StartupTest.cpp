@@ -1,6 +1,7 @@
 #include "Startup.h"
 #include "TestWorld.h"
 
+#include <QDir>
 #include <gtest/gtest.h>
 
 using namespace ql;
@@ -12,11 +13,17 @@ const QString kNoLocation = "Fatal Error! - You must supply a location!";
 } // namespace
 
 TEST(Startup, NoCatalogueInTheCurrentFolder) {
-    TestWorld world;
-    FakeHost& f = world.fake();
-    const auto r = startUp(f.host(), world.root());
-    EXPECT_FALSE(r.proceed);
-    EXPECT_EQ(f.dialogs.messages, std::vector<QString>{kMissing});
+    for (const bool folderOfThatName : {false, true}) {
+        SCOPED_TRACE(folderOfThatName);
+        TestWorld world;
+        if (folderOfThatName) {
+            ASSERT_TRUE(QDir().mkpath(world.path("Atari.mdb")));
+        }
+        FakeHost& f = world.fake();
+        const auto r = startUp(f.host(), world.root());
+        EXPECT_FALSE(r.proceed);
+        EXPECT_EQ(f.dialogs.messages, std::vector<QString>{kMissing});
+    }
 }
 
 TEST(Startup, FirstRunAnswers) {
