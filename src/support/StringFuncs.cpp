@@ -3,8 +3,13 @@
 namespace ql {
 
 namespace {
-bool isSeparator(QChar c) {
-    return c == QLatin1Char('/') || c == QLatin1Char('\\');
+// A path with a slash is one of this system, where a backslash is an ordinary character of a name.
+// One without is a Windows path from a shared catalogue, where the backslash separates.
+bool isWindowsPath(const QString& path) {
+    return !path.contains(QLatin1Char('/')) && (HasDriveLetter(path) || path.contains(QLatin1Char('\\')));
+}
+QChar separatorOf(const QString& path) {
+    return isWindowsPath(path) ? QLatin1Char('\\') : QLatin1Char('/');
 }
 } // namespace
 
@@ -27,18 +32,14 @@ QString ReplaceString(const QString& source, const QString& find, const QString&
 }
 
 QString GetFileName(const QString& path) {
-    for (qsizetype i = path.size() - 1; i >= 0; --i)
-        if (isSeparator(path[i])) return path.mid(i + 1);
-    return path;
+    return path.mid(path.lastIndexOf(separatorOf(path)) + 1);
 }
 
 QString GetFolderPath(const QString& path) {
-    for (qsizetype i = path.size() - 1; i >= 0; --i) {
-        // A colon separates only as the drive of a Windows path: Linux names may hold colons.
-        if (isSeparator(path[i]) || (i == 1 && path[i] == QLatin1Char(':') && path[0].isLetter()))
-            return path.left(i + 1);
-    }
-    return QString();
+    const qsizetype separator = path.lastIndexOf(separatorOf(path));
+    if (separator >= 0) return path.left(separator + 1);
+    // A colon separates only as the drive of a Windows path: Linux names may hold colons.
+    return HasDriveLetter(path) ? path.left(2) : QString();
 }
 
 QString GetExtension(const QString& path) {
@@ -66,10 +67,9 @@ bool HasDriveLetter(const QString& path) {
 }
 
 QString WithTrailingSeparator(const QString& folder) {
-    if (folder.isEmpty() || isSeparator(folder.back())) return folder;
-    const bool windows =
-        HasDriveLetter(folder) || (folder.contains(QLatin1Char('\\')) && !folder.contains(QLatin1Char('/')));
-    return folder + (windows ? QLatin1Char('\\') : QLatin1Char('/'));
+    const QChar separator = separatorOf(folder);
+    if (folder.isEmpty() || folder.back() == separator) return folder;
+    return folder + separator;
 }
 
 } // namespace ql

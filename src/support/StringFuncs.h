@@ -1,6 +1,7 @@
 #pragma once
-// Free routines on texts and paths. Paths may use "/" (this system) or "\" (catalogues shared
-// with Windows machines); both count as separators.
+// Free routines on texts and paths. Paths use "/" (this system) or, in catalogues shared with
+// Windows machines, "\"; a path that holds a "/" is taken as one of this system, where "\" is an
+// ordinary character of a name.
 
 #include <QString>
 #include <QVariant>

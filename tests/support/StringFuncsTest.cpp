@@ -24,6 +24,8 @@ TEST(PathRoutines, TakeApartPaths) {
         {"", "", "", ""},
         {"/atari/Star Wars: ROTJ.atr", "Star Wars: ROTJ.atr", "/atari/", "atr"},
         {"/atari/DEMO.ATR", "DEMO.ATR", "/atari/", "ATR"},
+        {"/atari/AC\\DC.atr", "AC\\DC.atr", "/atari/", "atr"},
+        {"D:", "D:", "D:", "D:"},
     };
     for (const Case& c : cases) {
         const QString path = QString::fromUtf8(c.path);
@@ -62,6 +64,8 @@ TEST(FolderTexts, TrailingSeparatorAndDrives) {
     EXPECT_EQ(WithTrailingSeparator("/home/u/Atari"), "/home/u/Atari/");
     EXPECT_EQ(WithTrailingSeparator("/home/u/Atari/"), "/home/u/Atari/");
     EXPECT_EQ(WithTrailingSeparator("e:"), "e:\\");
+    EXPECT_EQ(WithTrailingSeparator("/atari/AC\\"), "/atari/AC\\/") << "a backslash ends a Linux name";
+    EXPECT_EQ(WithTrailingSeparator("Atari"), "Atari/");
     EXPECT_TRUE(HasDriveLetter("e:\\x"));
     EXPECT_FALSE(HasDriveLetter("/e:/x"));
     EXPECT_FALSE(HasDriveLetter("1:\\x"));
