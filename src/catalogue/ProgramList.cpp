@@ -51,6 +51,10 @@ CatalogueStamp catalogueStamp(const QString& cataloguePath) {
     if (::stat(QFile::encodeName(cataloguePath + QStringLiteral("-wal")).constData(), &st) == 0) {
         stamp.logSize = st.st_size;
         stamp.logModifiedNs = st.st_mtim.tv_sec * 1'000'000'000LL + st.st_mtim.tv_nsec;
+        // A log that starts over can come back to the same size within one tick of the clock; its
+        // header's checkpoint count and salts change every time it does.
+        QFile log(cataloguePath + QStringLiteral("-wal"));
+        if (log.open(QIODevice::ReadOnly)) stamp.logHeader = log.read(32);
     }
     return stamp;
 }

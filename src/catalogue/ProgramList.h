@@ -23,13 +23,14 @@ bool isListedFile(const QString& fileName1);
 std::vector<ListRow> listRows(Catalogue& catalogue, const QString& caption, const QString& searchText);
 
 // What a catalogue file looks like from outside: which file the name stands for, and the size and
-// time of the file and of its write-ahead log. Any commit changes the log or, once it has been
-// folded back, the file.
+// time of the file and of its write-ahead log, with the log's header. Any commit grows the log, or
+// starts it over with new salts in its header, or, once it has been folded back, changes the file.
 struct CatalogueStamp {
     quint64 commits = 0; // commits of this process, which need no clock
     quint64 device = 0, inode = 0;
     qint64 size = -1, modifiedNs = 0;
     qint64 logSize = -1, logModifiedNs = 0;
+    QByteArray logHeader;
     bool operator==(const CatalogueStamp&) const = default;
 };
 CatalogueStamp catalogueStamp(const QString& cataloguePath);
