@@ -31,8 +31,19 @@ std::optional<std::uint32_t> asDword(double number) {
     return static_cast<std::uint32_t>(static_cast<std::int64_t>(rounded));
 }
 
+// Only blanks are trimmed: a tab or a line break is part of the text.
+QString withoutBlanks(const QString& text) {
+    qsizetype first = 0, last = text.size();
+    while (first < last && text[first] == QLatin1Char(' '))
+        ++first;
+    while (last > first && text[last - 1] == QLatin1Char(' '))
+        --last;
+    return text.mid(first, last - first);
+}
+
 std::optional<std::uint32_t> numberInText(const QString& trimmed) {
-    if (trimmed.isEmpty()) return std::nullopt;
+    // Qt's number parsing would pass over other white space at the ends.
+    if (trimmed.isEmpty() || trimmed != trimmed.trimmed()) return std::nullopt;
     bool ok = false;
     if (trimmed.startsWith(QLatin1String("&H"), Qt::CaseInsensitive)) {
         const qint64 hex = trimmed.mid(2).toLongLong(&ok, 16);
@@ -64,7 +75,7 @@ std::optional<std::uint32_t> numberIn(const QVariant& value) {
     case QMetaType::Float:
         return asDword(value.toDouble());
     default:
-        return numberInText(value.toString().trimmed());
+        return numberInText(withoutBlanks(value.toString()));
     }
 }
 
@@ -76,7 +87,7 @@ void SaveRegistryValue(Registry& registry, std::uint32_t rootKey, const QString&
     if (const auto number = numberIn(value))
         registry.setDword(fullPath, valueName, *number);
     else
-        registry.setString(fullPath, valueName, value.toString().trimmed());
+        registry.setString(fullPath, valueName, withoutBlanks(value.toString()));
 }
 
 } // namespace ql

@@ -33,7 +33,9 @@ INSTANTIATE_TEST_SUITE_P(
                       ValueCase{QString("99999999999"), "v=99999999999"},
                       ValueCase{QString("  /atari/carts/Action!.rom  "), "v=/atari/carts/Action!.rom"},
                       ValueCase{QString("Off"), "v=Off"}, ValueCase{QString(""), "v="},
-                      ValueCase{QString(" "), "v="}, ValueCase{QVariant(), "v="}));
+                      ValueCase{QString(" "), "v="}, ValueCase{QVariant(), "v="},
+                      ValueCase{QString("/a/file.atr\t"), "v=/a/file.atr\t"},
+                      ValueCase{QString("\t12\n"), "v=\t12\n"}));
 
 TEST(SaveRegistryValue, OtherRootsNameTheirKey) {
     FakeRegistry registry;
