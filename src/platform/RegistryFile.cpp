@@ -52,40 +52,69 @@ std::optional<std::pair<QString, qsizetype>> quoted(const QString& line, qsizety
 
 RegistryFile RegistryFile::parse(const QString& text) {
     RegistryFile file;
-    QString currentKey;
+    Key* key = nullptr;
+    bool header = true;
     for (QString line : text.split(QLatin1Char('\n'))) {
         if (line.endsWith(QLatin1Char('\r'))) line.chop(1);
+        if (line.trimmed().isEmpty()) continue; // blank lines are written anew between keys
+        if (header) {
+            header = false;
+            if (line == QLatin1String("REGEDIT4")) continue;
+        }
         if (line.startsWith(QLatin1Char('[')) && line.endsWith(QLatin1Char(']'))) {
-            currentKey = line.mid(1, line.size() - 2);
-            if (!file.find(currentKey)) file.keys_.push_back({currentKey, {}});
+            const QString path = line.mid(1, line.size() - 2);
+            key = file.find(path);
+            if (!key) {
+                file.keys_.push_back({path, {}});
+                key = &file.keys_.back();
+            }
             continue;
         }
-        if (currentKey.isEmpty()) continue;
+        const auto keep = [&] {
+            if (key)
+                key->values.push_back({QString(), RegistryData(), line});
+            else
+                file.preamble_.push_back(line);
+        };
         const auto name = quoted(line, 0);
-        if (!name || name->second >= line.size() || line[name->second] != QLatin1Char('=')) continue;
-        const QString rest = line.mid(name->second + 1);
-        if (rest.startsWith(QLatin1String("dword:"))) {
-            bool ok = false;
-            const std::uint32_t number = rest.mid(6).toUInt(&ok, 16);
-            if (ok) file.set(currentKey, name->first, number);
-        } else if (const auto value = quoted(rest, 0)) {
-            file.set(currentKey, name->first, value->first);
+        if (!key || !name || name->second >= line.size() || line[name->second] != QLatin1Char('=')) {
+            keep();
+            continue;
         }
+        const QString rest = line.mid(name->second + 1);
+        bool understood = false;
+        if (rest.startsWith(QLatin1String("dword:"))) {
+            const std::uint32_t number = rest.mid(6).toUInt(&understood, 16);
+            if (understood) file.set(key->path, name->first, number);
+        } else if (const auto value = quoted(rest, 0); value && value->second == rest.size()) {
+            file.set(key->path, name->first, value->first);
+            understood = true;
+        }
+        if (!understood) keep();
     }
     return file;
 }
 
 RegistryFile RegistryFile::load(const QString& path) {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) return {};
+    if (!file.exists()) return {};
+    if (!file.open(QIODevice::ReadOnly))
+        throw std::runtime_error("Cannot read the settings file " + path.toStdString() + ": " +
+                                 file.errorString().toStdString() + ". It is left as it is.");
     return parse(QString::fromUtf8(file.readAll()));
 }
 
 QString RegistryFile::text() const {
     QString out = QStringLiteral("REGEDIT4\n");
+    for (const QString& line : preamble_)
+        out += line + QLatin1Char('\n');
     for (const Key& key : keys_) {
         out += QLatin1String("\n[") + key.path + QLatin1String("]\n");
         for (const Value& v : key.values) {
+            if (!v.verbatim.isEmpty()) {
+                out += v.verbatim + QLatin1Char('\n');
+                continue;
+            }
             out += QLatin1Char('"') + escaped(v.name) + QLatin1String("\"=");
             if (const auto* number = std::get_if<std::uint32_t>(&v.data))
                 out += QStringLiteral("dword:%1").arg(*number, 8, 16, QLatin1Char('0'));
@@ -123,18 +152,18 @@ void RegistryFile::set(const QString& keyPath, const QString& name, const Regist
         key = &keys_.back();
     }
     for (Value& v : key->values) {
-        if (sameName(v.name, name)) {
+        if (v.verbatim.isEmpty() && sameName(v.name, name)) {
             v.data = value;
             return;
         }
     }
-    key->values.push_back({name, value});
+    key->values.push_back({name, value, QString()});
 }
 
 std::optional<RegistryData> RegistryFile::value(const QString& keyPath, const QString& name) const {
     if (const Key* key = find(keyPath))
         for (const Value& v : key->values)
-            if (sameName(v.name, name)) return v.data;
+            if (v.verbatim.isEmpty() && sameName(v.name, name)) return v.data;
     return std::nullopt;
 }
 

@@ -23,10 +23,12 @@ using RegistryData = std::variant<std::uint32_t, QString>;
 
 class RegistryFile {
 public:
-    // Parses REGEDIT4 text. Lines it does not understand are passed over, so a hand-edited file
-    // never stops the program.
+    // Parses REGEDIT4 text. Lines it does not understand (comments, hex values, defaults) are kept
+    // as they stand and written back in their place, so a hand-edited file never stops the
+    // program and loses nothing.
     static RegistryFile parse(const QString& text);
-    // Reads the file; a missing or unreadable file gives an empty registry.
+    // Reads the file; a missing file gives an empty registry. A file that is there but cannot be
+    // read throws std::runtime_error, so that no write replaces what it holds.
     static RegistryFile load(const QString& path);
 
     QString text() const;
@@ -44,6 +46,7 @@ private:
     struct Value {
         QString name;
         RegistryData data;
+        QString verbatim; // a line kept as it stood; name and data are unused then
     };
     struct Key {
         QString path;
@@ -51,6 +54,7 @@ private:
     };
     Key* find(const QString& keyPath);
     const Key* find(const QString& keyPath) const;
+    std::vector<QString> preamble_; // lines before the first key, other than the header
     std::vector<Key> keys_;
 };
 

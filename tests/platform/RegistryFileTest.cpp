@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <gtest/gtest.h>
 
 using namespace ql;
@@ -42,15 +43,28 @@ TEST(RegistryFile, WrittenWholeWithTypesAndFirstWriteOrder) {
     EXPECT_EQ(read.text(kKey, "missing"), "");
 }
 
-TEST(RegistryFile, HandEditedLinesAreSkipped) {
-    const RegistryFile read =
-        RegistryFile::parse("REGEDIT4\r\n\r\n\"orphan\"=\"x\"\r\n[" + kKey +
-                            "]\r\n\"bad\"=dword:zz\r\nnonsense\r\n\"ok\"=dword:0000000a\r\n"
-                            "\"open\"=\"no end\r\n");
-    EXPECT_EQ(read.dword(kKey, "ok"), 10u);
-    EXPECT_FALSE(read.value(kKey, "bad"));
-    EXPECT_FALSE(read.value(kKey, "open"));
-    EXPECT_FALSE(read.value(kKey, "orphan"));
+// Lines the program does not read are the user's: a write keeps them in their place.
+TEST(RegistryFile, HandEditedLinesAreKeptAsTheyStand) {
+    RegistryFile file = RegistryFile::parse("REGEDIT4\r\n\r\n; mine\r\n\"orphan\"=\"x\"\r\n[" + kKey +
+                                            "]\r\n\"bad\"=dword:zz\r\nnonsense\r\n\"ok\"=dword:0000000a\r\n"
+                                            "\"open\"=\"no end\r\n\"bin\"=hex:01,02\r\n@=\"default\"\r\n");
+    EXPECT_EQ(file.dword(kKey, "ok"), 10u);
+    for (const char* unread : {"bad", "open", "orphan", "bin"})
+        EXPECT_FALSE(file.value(kKey, unread)) << unread;
+    file.set(kKey, "ok", std::uint32_t{11});
+    file.set(kKey, "new", QString("n"));
+    EXPECT_EQ(file.text(), "REGEDIT4\n; mine\n\"orphan\"=\"x\"\n\n[" + kKey +
+                               "]\n\"bad\"=dword:zz\nnonsense\n\"ok\"=dword:0000000b\n"
+                               "\"open\"=\"no end\n\"bin\"=hex:01,02\n@=\"default\"\n\"new\"=\"n\"\n");
+}
+
+TEST(RegistryFile, AFileThatCannotBeReadIsNeverReplaced) {
+    TestWorld world;
+    // A folder in the file's place cannot be read, even by root.
+    ASSERT_TRUE(QDir().mkpath(world.path("config/quaylight/registry.reg")));
+    LinuxRegistry registry;
+    EXPECT_THROW(registry.setDword(kKey, "sysTVMode", 262), std::runtime_error);
+    EXPECT_TRUE(QFileInfo(world.path("config/quaylight/registry.reg")).isDir());
 }
 
 TEST(AssociationTable, SectionsCaseAndComments) {
