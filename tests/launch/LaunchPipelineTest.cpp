@@ -2,6 +2,7 @@
 #include "StringFuncs.h"
 #include "TestWorld.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 using namespace ql;
@@ -171,6 +172,12 @@ TEST(Launch, WritesRegistryThenScriptThenStartsIt) {
     const auto name = launchProgram(fake.host(), world.path("Atari.mdb"), code, {}, "XP");
     EXPECT_EQ(name, std::optional<QString>("Demo"));
     EXPECT_EQ(fake.registry.writes.size(), 18u);
+    // The emulator reads the registry when it starts: every value is in place before the script runs.
+    ASSERT_EQ(fake.journal.size(), 20u);
+    EXPECT_TRUE(std::all_of(fake.journal.begin(), fake.journal.begin() + 18,
+                            [](const QString& e) { return e.startsWith("registry "); }));
+    EXPECT_EQ(fake.journal[18], "script AtariRun.sh");
+    EXPECT_EQ(fake.journal[19], "start /bin/sh");
     EXPECT_EQ(QString::fromUtf8(fake.scripts.written.value("AtariRun.sh")),
               "emu " + ShellQuote(world.path("Games/Demo.atr")) + "\n" + kTail);
     ASSERT_EQ(fake.processes.started.size(), 1u);

@@ -29,6 +29,7 @@ bool FakeProcesses::startDetached(const QString& program, const QStringList& arg
         return false;
     }
     started.push_back({program, args, workingDir});
+    if (journal) journal->push_back(QStringLiteral("start ") + program);
     return true;
 }
 
@@ -43,6 +44,7 @@ QString FakeScripts::write(const QString& baseName, const QByteArray& text) {
     if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
         throw std::runtime_error("cannot write script");
     written[baseName] = text;
+    if (journal) journal->push_back(QStringLiteral("script ") + baseName);
     return path;
 }
 
@@ -61,6 +63,10 @@ FakeHost::FakeHost(const QString& scriptFolder)
     : scripts(scriptFolder),
       fileSystem_(std::make_unique<LinuxFileSystem>()), host_{dialogs,  processes,    scripts,
                                                               clock,    *fileSystem_, keyboard,
-                                                              registry, associations} {}
+                                                              registry, associations} {
+    processes.journal = &journal;
+    scripts.journal = &journal;
+    registry.journal = &journal;
+}
 
 } // namespace ql::test

@@ -33,6 +33,7 @@ class FakeProcesses : public Processes {
 public:
     bool startDetached(const QString& program, const QStringList& args, const QString& workingDir) override;
     std::vector<StartedProcess> started;
+    std::vector<QString>* journal = nullptr;
     int failuresToGo = 0; // the next n starts fail
 };
 
@@ -44,6 +45,7 @@ public:
     QString write(const QString& baseName, const QByteArray& text) override;
     bool remove(const QString& fullPath) override;
     QMap<QString, QByteArray> written; // last text by base name
+    std::vector<QString>* journal = nullptr;
     int writeFailuresToGo = 0;
     int removals = 0;
 
@@ -84,9 +86,11 @@ class FakeRegistry : public Registry {
 public:
     void setDword(const QString& keyPath, const QString& name, std::uint32_t value) override {
         writes.push_back({keyPath, name, true, value, {}});
+        if (journal) journal->push_back(QStringLiteral("registry ") + name);
     }
     void setString(const QString& keyPath, const QString& name, const QString& value) override {
         writes.push_back({keyPath, name, false, 0, value});
+        if (journal) journal->push_back(QStringLiteral("registry ") + name);
     }
     std::vector<QString> briefs() const {
         std::vector<QString> out;
@@ -95,6 +99,7 @@ public:
         return out;
     }
     std::vector<RegistryWrite> writes;
+    std::vector<QString>* journal = nullptr;
 };
 
 // Associations the test sets; extensions by lower-case name without the dot.
@@ -119,6 +124,8 @@ public:
     FakeKeyboard keyboard;
     FakeRegistry registry;
     FakeAssociations associations;
+    // What left the process, in order, across the registry, the scripts and the processes.
+    std::vector<QString> journal;
 
 private:
     std::unique_ptr<FileSystem> fileSystem_;
