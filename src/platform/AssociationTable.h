@@ -8,8 +8,10 @@
 //   Atari800=/usr/games/quaylight-emu
 //
 // Each command line is shell text written by the user; %f stands for the file, which the caller
-// quotes (without %f the file goes at the end). A program entry is the command alone: the caller
-// adds its arguments. Lines starting with ; or # are comments.
+// quotes (without %f the file goes at the end). A command that passes its text to a second shell
+// (sh -c, eval) must take the file as that shell's argument, "$1", for a quoted name would be read
+// as code there. A program entry is the command alone: the caller adds its arguments. Lines
+// starting with ; or # are comments.
 
 #include "Host.h"
 

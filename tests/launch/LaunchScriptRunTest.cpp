@@ -101,6 +101,8 @@ TEST_F(LaunchScriptRun, HostileNamesThroughCommandsThatQuoteTheFile) {
         {emu + " 'x %f y'", [](const QString& f) { return "x " + f + " y"; }},
         {emu + " \"it\\\"s %f\"", [](const QString& f) { return "it\"s " + f; }},
         {emu + " %f \"%f\"", [](const QString& f) { return f; }},
+        // A second shell, given the file as its argument as the README advises.
+        {"sh -c 'cd / && exec \"" + emulator + "\" \"$1\"' sh %f", [](const QString& f) { return f; }},
     };
     for (const auto& command : commands) {
         associations.extensions = {{"atr", command.command}};
