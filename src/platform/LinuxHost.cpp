@@ -16,6 +16,7 @@
 #include <X11/extensions/XTest.h>
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <dirent.h>
 #include <stdexcept>
 #include <sys/stat.h>
@@ -89,7 +90,8 @@ double LinuxClock::now() {
 }
 
 void LinuxClock::pumpEvents(double maxSeconds) {
-    const int ms = std::clamp(static_cast<int>(maxSeconds * 1000.0), 0, 20);
+    // Rounded up, so the last fraction of a millisecond of a wait sleeps too instead of spinning.
+    const int ms = std::clamp(static_cast<int>(std::ceil(maxSeconds * 1000.0)), 0, 20);
     if (!QCoreApplication::instance()) {
         std::this_thread::sleep_for(std::chrono::milliseconds(std::max(ms, 1)));
         return;
