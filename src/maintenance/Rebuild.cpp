@@ -165,11 +165,13 @@ private:
         cCRC32 crc;
         cBinaryFileStream stream;
         for (size_t i = next_++; i < paths_.size() && !stop_; i = next_++) {
-            const std::int32_t value = fileCrcOrZero(crc, stream, paths_[i]);
+            // A stop ends even a read of many gigabytes, so a failed rebuild gives the form back at once.
+            const std::optional<std::int32_t> value = fileCrcOrZero(crc, stream, paths_[i], stop_);
+            if (!value) return;
             bool wake = false;
             {
                 std::lock_guard lock(mutex_);
-                results_[i] = value;
+                results_[i] = *value;
                 ready_[i] = 1;
                 wake = waiting_;
             }
@@ -224,9 +226,10 @@ RebuildResult rebuildCatalogue(const RebuildRequest& request, FileSystem& fileSy
     if (request.everything) {
         Catalogue catalogue(request.cataloguePath);
         const auto config = catalogue.config();
+        // Blanks around a stored AtariDir are no part of the folder, as everywhere else it is read.
+        const QString atariDir = config ? config->atariDir.trimmed() : QString();
         // Without an AtariDir there is no tree to walk; the root of the disk is not meant.
-        const QString top =
-            config && !IsBlank(config->atariDir) ? everythingRoot(config->atariDir) : QString();
+        const QString top = atariDir.isEmpty() ? QString() : everythingRoot(atariDir);
         targets.push_back({kEverythingTabNumber, kEverything, top, false, {}, 0});
     }
     std::vector<QString> jobs;

@@ -33,22 +33,40 @@ std::int32_t cCRC32::GetByteArrayCrc32(const QByteArray& bytes) const {
 }
 
 std::int32_t cCRC32::GetFileCrc32(cBinaryFileStream& stream) {
+    static const std::atomic<bool> never{false};
+    return *GetFileCrc32(stream, never);
+}
+
+std::optional<std::int32_t> cCRC32::GetFileCrc32(cBinaryFileStream& stream, const std::atomic<bool>& stop) {
     buffer_.resize(static_cast<size_t>(kChunkSize));
     uLong crc = crc32(0L, Z_NULL, 0);
-    for (std::int64_t n = stream.Read(buffer_.data(), kChunkSize, true); n > 0;
-         n = stream.Read(buffer_.data(), kChunkSize, false))
+    for (bool first = true;; first = false) {
+        // Asked between chunks, so a file of many gigabytes gives way within one chunk's read.
+        if (stop.load(std::memory_order_relaxed)) {
+            stream.Dispose();
+            return std::nullopt;
+        }
+        const std::int64_t n = stream.Read(buffer_.data(), kChunkSize, first);
+        if (n <= 0) break;
         crc = crc32(crc, reinterpret_cast<const Bytef*>(buffer_.data()), static_cast<uInt>(n));
+    }
     return asSigned(crc);
 }
 
-std::int32_t fileCrcOrZero(cCRC32& crc, cBinaryFileStream& stream, const QString& path) {
+std::optional<std::int32_t> fileCrcOrZero(cCRC32& crc, cBinaryFileStream& stream, const QString& path,
+                                          const std::atomic<bool>& stop) {
     try {
         stream.file(path);
-        return crc.GetFileCrc32(stream);
+        return crc.GetFileCrc32(stream, stop);
     } catch (const FileError&) {
         stream.Dispose();
         return 0;
     }
+}
+
+std::int32_t fileCrcOrZero(cCRC32& crc, cBinaryFileStream& stream, const QString& path) {
+    static const std::atomic<bool> never{false};
+    return *fileCrcOrZero(crc, stream, path, never);
 }
 
 } // namespace ql

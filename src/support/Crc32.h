@@ -7,7 +7,9 @@
 #include <QByteArray>
 #include <QString>
 #include <array>
+#include <atomic>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace ql {
@@ -22,6 +24,9 @@ public:
     std::int32_t GetByteArrayCrc32(const QByteArray& bytes) const;
     // Reads the stream's open file to its end, which closes it. Errors of the read pass through.
     std::int32_t GetFileCrc32(cBinaryFileStream& stream);
+    // The same, but a set stop ends the read before its next chunk: the file is closed and there is
+    // no value. A file read to its end gives what the call above gives.
+    std::optional<std::int32_t> GetFileCrc32(cBinaryFileStream& stream, const std::atomic<bool>& stop);
     // The reflected table, entry i for the byte i.
     const std::array<std::int32_t, 256>& table() const { return table_; }
 
@@ -37,5 +42,8 @@ inline QString crcText(std::int32_t value) {
 
 // The value of a file, or 0 when it cannot be opened or read; the walkers want no error here.
 std::int32_t fileCrcOrZero(cCRC32& crc, cBinaryFileStream& stream, const QString& path);
+// The same, with nothing when stop ended the read first.
+std::optional<std::int32_t> fileCrcOrZero(cCRC32& crc, cBinaryFileStream& stream, const QString& path,
+                                          const std::atomic<bool>& stop);
 
 } // namespace ql

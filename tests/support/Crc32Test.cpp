@@ -166,3 +166,32 @@ TEST(Crc32Test, FileOfMoreThan2GiBIsReadWhole) {
     EXPECT_EQ(stream.Length(), head.size() + zeros + tail.size());
     EXPECT_EQ(crc.GetFileCrc32(stream), static_cast<std::int32_t>(static_cast<std::uint32_t>(expected)));
 }
+
+TEST(Crc32Test, StopEndsTheReadBeforeItsNextChunk) {
+    TestWorld world;
+    const QString huge = world.writeFile("huge.atr", "ATARI");
+    {
+        QFile f(huge);
+        ASSERT_TRUE(f.open(QIODevice::ReadWrite));
+        ASSERT_EQ(::ftruncate(f.handle(), std::int64_t(4) << 30), 0); // sparse: takes no room
+    }
+    const QByteArray bytes = pattern(2 * cCRC32::kChunkSize + 3);
+    const QString small = world.writeFile("small.atr", bytes);
+    cCRC32 crc;
+    cBinaryFileStream stream;
+    std::atomic<bool> stop{true};
+
+    stream.file(huge);
+    EXPECT_EQ(crc.GetFileCrc32(stream, stop), std::nullopt) << "read whole, this would take seconds";
+    EXPECT_FALSE(stream.isOpen());
+    EXPECT_EQ(stream.Position(), 0);
+    EXPECT_EQ(fileCrcOrZero(crc, stream, huge, stop), std::nullopt);
+    EXPECT_EQ(fileCrcOrZero(crc, stream, world.path("missing.atr"), stop), 0)
+        << "a file that cannot be opened is still 0, not stopped";
+
+    stop = false;
+    EXPECT_EQ(fileCrcOrZero(crc, stream, small, stop), tableCrc(crc, bytes));
+    EXPECT_EQ(fileCrcOrZero(crc, stream, small), tableCrc(crc, bytes));
+    stream.file(small);
+    EXPECT_EQ(crc.GetFileCrc32(stream, stop), tableCrc(crc, bytes));
+}
