@@ -5,6 +5,7 @@
 #include <QCloseEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
@@ -26,8 +27,9 @@ const QColor kChosenRow(0xC0, 0xFF, 0xC0);
 const QColor kIdleRow(0xE0, 0xE0, 0xE0);
 const QColor kWorkingRow(0xFF, 0xC0, 0xC0);
 
+// Decimal megabytes, as disks and file managers count them.
 QString megabytes(std::int64_t bytes) {
-    return QString::number(static_cast<double>(bytes) / (1024.0 * 1024.0), 'f', 1);
+    return QString::number(static_cast<double>(bytes) / 1e6, 'f', 1);
 }
 
 } // namespace
@@ -37,6 +39,12 @@ frmUtility::frmUtility(Host& host, MainFormOps& mainForm, FileDialogs& fileDialo
     setObjectName(QStringLiteral("frmUtility"));
     setWindowTitle(QStringLiteral("Quaylight Utility Form"));
     buildControls();
+    // A dialog makes its buttons answer Enter pressed anywhere on it; here that would open a
+    // picker or start a rebuild from a text box, so Enter presses no button.
+    for (QPushButton* button : findChildren<QPushButton*>()) {
+        button->setAutoDefault(false);
+        button->setDefault(false);
+    }
     resize(820, sizeHint().height()); // room for "Resident Cartridges" and a long folder
     textPalette_ = txtTabName[0]->palette();
 }
@@ -189,6 +197,15 @@ void frmUtility::reject() {
     if (!rebuilding_) QDialog::reject();
 }
 
+// Escape would close the form and drop the edits not saved yet; only Close and the close box do.
+void frmUtility::keyPressEvent(QKeyEvent* event) {
+    if (event->matches(QKeySequence::Cancel)) {
+        event->accept();
+        return;
+    }
+    QDialog::keyPressEvent(event);
+}
+
 void frmUtility::closeEvent(QCloseEvent* event) {
     if (rebuilding_)
         event->ignore();
@@ -286,7 +303,8 @@ void frmUtility::cmdRebuild_Click() {
     } catch (const std::exception& e) {
         for (int i = 0; i <= kLastTabRow; ++i)
             resetRowColour(i);
-        outcome = QStringLiteral("The rebuild stopped: %1\nThe category being rebuilt keeps its old entries.")
+        outcome = QStringLiteral("The rebuild stopped: %1\nWhat was being rebuilt keeps its old entries; "
+                                 "what was finished before it stays rebuilt.")
                       .arg(QString::fromUtf8(e.what()));
     }
     setRebuilding(false);

@@ -7,6 +7,7 @@
 #include <QSqlQuery>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <zlib.h>
 
 using namespace ql;
@@ -17,6 +18,15 @@ namespace {
 QString zlibCrc(const QByteArray& bytes) {
     const uLong c = crc32(0L, reinterpret_cast<const Bytef*>(bytes.constData()), bytes.size());
     return QString::number(static_cast<std::int32_t>(static_cast<std::uint32_t>(c)));
+}
+
+// Bytes this process has taken in through read calls so far, or nothing where the kernel keeps no count.
+std::optional<std::int64_t> bytesReadSoFar() {
+    QFile io(QStringLiteral("/proc/self/io"));
+    if (!io.open(QIODevice::ReadOnly)) return std::nullopt;
+    for (const QByteArray& line : io.readAll().split('\n'))
+        if (line.startsWith("rchar:")) return line.mid(6).trimmed().toLongLong();
+    return std::nullopt;
 }
 
 // Lists what the real folder holds, plus names that vanished before they could be read.
@@ -312,4 +322,100 @@ TEST_F(RebuildTest, SavedTabsRequestTakesTabsWithAFolder) {
     ASSERT_EQ(one.tabs.size(), 1u);
     EXPECT_EQ(one.tabs[0].name, "Demos");
     EXPECT_FALSE(one.cartridgeSource);
+}
+
+TEST_F(RebuildTest, EverythingRootIgnoresBlanksAroundAtariDir) {
+    world.writeFile("Top.xex");
+    world.writeFile("Games/Game.atr");
+    const QString r = world.root();
+    struct Case {
+        QString atariDir;
+        QString topFile; // empty: no tree, Everything is left empty
+    };
+    const Case cases[] = {
+        {"  " + r + "/  ", r + "//Top.xex"},
+        {r + " ", r + "/Top.xex"},
+        {"\t" + r + "/", r + "//Top.xex"},
+        {"   ", ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.atariDir.toStdString());
+        {
+            auto catalogue = world.open();
+            QSqlQuery q(catalogue->database());
+            ASSERT_TRUE(q.prepare("UPDATE Config SET AtariDir = ?"));
+            q.addBindValue(c.atariDir);
+            ASSERT_TRUE(q.exec());
+            ProgramRecord old = program(kEverything, "Old", "/old.atr");
+            old.tabNumber = kEverythingTabNumber;
+            catalogue->addProgram(old);
+        }
+        RebuildRequest request;
+        request.cataloguePath = path;
+        request.everything = true;
+        rebuildCatalogue(request, fileSystem);
+        const auto all = rows(kEverythingTabNumber);
+        if (c.topFile.isEmpty()) {
+            EXPECT_TRUE(all.empty());
+            continue;
+        }
+        ASSERT_EQ(all.size(), 2u);
+        EXPECT_EQ(all[0].fileName1, c.topFile);
+        EXPECT_EQ(all[1].name, "Game");
+    }
+}
+
+// The CRCs are taken on several threads, and a big first file ends last; the rows still follow
+// the walk, each with its own file's CRC.
+TEST_F(RebuildTest, RowsFollowTheWalkWhateverOrderTheCrcsEndIn) {
+    QByteArray big(8 << 20, Qt::Uninitialized);
+    for (qsizetype i = 0; i < big.size(); ++i)
+        big[i] = static_cast<char>((i * 7 + i / 4093) & 0xFF);
+    world.writeFile("Mixed/A big.atr", big);
+    std::vector<QByteArray> small;
+    for (int i = 0; i < 200; ++i) {
+        small.push_back("small file " + QByteArray::number(i));
+        world.writeFile(QStringLiteral("Mixed/B %1.xex").arg(i, 3, 10, QLatin1Char('0')), small.back());
+    }
+    world.writeFile("Mixed/Sub/C last.atr", "in a sub-folder");
+
+    RebuildRequest request;
+    request.cataloguePath = path;
+    request.crcThreads = 4;
+    request.tabs.push_back({1, "Mixed", world.path("Mixed/")});
+    rebuildCatalogue(request, fileSystem);
+    const auto r = rows(1);
+    ASSERT_EQ(r.size(), 202u);
+    EXPECT_EQ(r[0].name, "A big");
+    EXPECT_EQ(r[0].crc, zlibCrc(big));
+    for (int i = 0; i < 200; ++i) {
+        SCOPED_TRACE(i);
+        EXPECT_EQ(r[i + 1].name, QStringLiteral("B %1").arg(i, 3, 10, QLatin1Char('0')));
+        EXPECT_EQ(r[i + 1].crc, zlibCrc(small[i]));
+    }
+    EXPECT_EQ(r[201].name, "C last");
+}
+
+// A rebuild that stops while a file of many gigabytes is read does not go on reading it to the end.
+TEST_F(RebuildTest, StoppedRebuildLeavesTheRestOfABigFileUnread) {
+    const std::int64_t size = std::int64_t(4) << 30; // sparse: it takes no room on the disk
+    {
+        QFile f(world.writeFile("Huge/Huge.atr", "ATARI"));
+        ASSERT_TRUE(f.open(QIODevice::ReadWrite));
+        ASSERT_EQ(::ftruncate(f.handle(), size), 0);
+    }
+    world.writeFile("Huge/Small.xex");
+    const auto before = bytesReadSoFar();
+    if (!before) GTEST_SKIP() << "the kernel keeps no count of bytes read";
+
+    RebuildRequest request;
+    request.cataloguePath = path;
+    request.tabs.push_back({0, "Huge", world.path("Huge/")});
+    // The first wait for the big file's CRC is the moment to stop: its read is under way.
+    const auto stop = [](const RebuildProgress& p) {
+        if (p.event == RebuildProgress::Event::Files) throw std::runtime_error("stopped");
+    };
+    EXPECT_THROW(rebuildCatalogue(request, fileSystem, stop), std::runtime_error);
+    EXPECT_LT(*bytesReadSoFar() - *before, size / 4);
+    EXPECT_TRUE(names(0).empty());
 }

@@ -220,3 +220,91 @@ TEST_F(UtilityFormTest, FailedRebuildSaysSoAndKeepsTheOldRows) {
     EXPECT_EQ(world.open()->countCategory("Games"), 1);
     EXPECT_EQ(mainForm->calls.size(), 3u);
 }
+
+// Enter and Escape typed anywhere on the form press no button and do not close it: no picker
+// overwrites a folder, nothing is saved or rebuilt, and the edits stay.
+TEST_F(UtilityFormTest, EnterAndEscapeDoNothing) {
+    form->Form_Load();
+    form->txtTabSource[0]->setText("/atari/Games/");
+    dialogs.answers.push_back("/elsewhere/picked.atr"); // what a picker opened by mistake would give
+    form->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(form.get()));
+    struct Case {
+        const char* widget;
+        Qt::Key key;
+    };
+    const Case cases[] = {
+        {"txtTabName_5", Qt::Key_Return},        {"txtTabName_5", Qt::Key_Enter},
+        {"txtTabSource_5", Qt::Key_Return},      {"chkSelected_5", Qt::Key_Return},
+        {"chkRebuildEverything", Qt::Key_Enter}, {"cmdTabSource_3", Qt::Key_Return},
+        {"txtTabName_5", Qt::Key_Escape},        {"chkSelected_5", Qt::Key_Escape},
+        {"cmdRebuild", Qt::Key_Escape},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.widget) + " " + QTest::toString(c.key));
+        auto* widget = form->findChild<QWidget*>(c.widget);
+        ASSERT_NE(widget, nullptr);
+        widget->setFocus();
+        if (qobject_cast<QLineEdit*>(widget)) QTest::keyClicks(widget, "Shooters");
+        QTest::keyClick(widget, c.key);
+        EXPECT_TRUE(dialogs.requests.empty());
+        EXPECT_EQ(form->txtTabSource[0]->text(), "/atari/Games/");
+        EXPECT_TRUE(form->isVisible());
+        EXPECT_TRUE(world.fake().dialogs.messages.empty()) << "nothing was saved or rebuilt";
+        EXPECT_TRUE(mainForm->calls.empty());
+    }
+    EXPECT_TRUE(form->txtTabName[5]->text().endsWith("Shooters")) << "the edits are still there";
+    EXPECT_EQ(world.open()->tabs()[5].tabName, Catalogue::defaultTabNames()[5]);
+
+    form->close(); // the close box
+    EXPECT_FALSE(form->isVisible());
+}
+
+// Rows 0 to 23 show the rebuild's way through the tabs; the cartridges' row 24 and the Everything
+// pass colour nothing.
+TEST_F(UtilityFormTest, RowColoursFollowTheRebuild) {
+    world.writeFile("Carts/Cart.rom");
+    world.writeFile("Two/a.atr");
+    world.writeFile("Five/b.atr");
+    form->Form_Load();
+    const std::pair<int, const char*> chosen[] = {{2, "Two/"}, {5, "Five/"}, {kCartridgeRow, "Carts/"}};
+    for (const auto& [row, folder] : chosen) {
+        form->txtTabSource[row]->setText(world.path(folder));
+        form->chkSelected[row]->setChecked(true);
+    }
+    form->chkRebuildEverything->setChecked(true);
+
+    const QColor window = form->txtTabName[0]->palette().color(QPalette::Base);
+    const auto code = [&](QLineEdit* box) {
+        const QColor c = box->palette().color(QPalette::Base);
+        if (c == QColor(0xC0, 0xFF, 0xC0)) return 'G'; // chosen
+        if (c == QColor(0xE0, 0xE0, 0xE0)) return 'g'; // not chosen
+        if (c == QColor(0xFF, 0xC0, 0xC0)) return 'R'; // under way
+        return c == window ? '.' : '?';
+    };
+    std::vector<std::string> seen;
+    world.fake().clock.onPump = [&] {
+        std::string state;
+        for (int i = 0; i < kFormRows; ++i) {
+            const char name = code(form->txtTabName[i]), source = code(form->txtTabSource[i]);
+            state += name == source ? name : '?';
+        }
+        if (seen.empty() || seen.back() != state) seen.push_back(state);
+    };
+    form->cmdRebuild_Click();
+    world.fake().clock.onPump = nullptr;
+
+    const auto rows = [](char others, std::initializer_list<std::pair<int, char>> marked) {
+        std::string state(kLastTabRow + 1, others);
+        state += '.';
+        for (const auto& [row, mark] : marked)
+            state[static_cast<size_t>(row)] = mark;
+        return state;
+    };
+    // The cartridges, the tabs' turn, row 2 under way and done, row 5 under way and done, Everything.
+    EXPECT_EQ(seen, (std::vector<std::string>{
+                        rows('.', {}), rows('g', {{2, 'G'}, {5, 'G'}}), rows('g', {{2, 'R'}, {5, 'G'}}),
+                        rows('g', {{2, '.'}, {5, 'G'}}), rows('g', {{2, '.'}, {5, 'R'}}),
+                        rows('g', {{2, '.'}, {5, '.'}}), rows('.', {})}));
+    EXPECT_EQ(world.fake().dialogs.messages, std::vector<QString>{"Operation Complete!"});
+}
