@@ -7,6 +7,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <cstdint>
 #include <cstdio>
 #include <unistd.h>
 
@@ -25,6 +26,11 @@ int usage() {
     return 2;
 }
 
+// Decimal megabytes, as disks and file managers count them.
+double megabytes(std::int64_t bytes) {
+    return static_cast<double>(bytes) / 1e6;
+}
+
 struct RebuildOptions {
     std::vector<int> rows;
     bool noTabs = false;
@@ -33,6 +39,10 @@ struct RebuildOptions {
 };
 
 bool parseRebuildOptions(const QStringList& args, RebuildOptions& options) {
+    const auto bad = [](const QString& arg) {
+        std::fprintf(stderr, "quaylight-cli: bad option %s\n", qPrintable(arg));
+        return false;
+    };
     for (const QString& arg : args) {
         if (arg == QLatin1String("--no-cartridges")) {
             options.cartridges = false;
@@ -44,11 +54,11 @@ bool parseRebuildOptions(const QStringList& args, RebuildOptions& options) {
             for (const QString& part : arg.mid(7).split(QLatin1Char(','))) {
                 bool ok = false;
                 const int row = part.toInt(&ok);
-                if (!ok || row < 0 || row > ql::kLastTabRow) return false;
+                if (!ok || row < 0 || row > ql::kLastTabRow) return bad(arg);
                 options.rows.push_back(row);
             }
         } else {
-            return false;
+            return bad(arg);
         }
     }
     return true;
@@ -66,14 +76,13 @@ int rebuild(const QString& folder, const QStringList& args) {
     const ql::RebuildResult result =
         ql::rebuildCatalogue(request, fileSystem, [toTerminal](const ql::RebuildProgress& p) {
             if (toTerminal && p.event == ql::RebuildProgress::Event::Files)
-                std::fprintf(stderr, "\r%lld of %lld files, %lld of %lld MB",
+                std::fprintf(stderr, "\r%lld of %lld files, %.1f of %.1f MB",
                              static_cast<long long>(p.filesDone), static_cast<long long>(p.filesTotal),
-                             static_cast<long long>(p.bytesDone >> 20),
-                             static_cast<long long>(p.bytesTotal >> 20));
+                             megabytes(p.bytesDone), megabytes(p.bytesTotal));
         });
     if (toTerminal) std::fputc('\n', stderr);
     std::printf("rebuild: %d programs, %d cartridges, %.1f MB read\n", result.programs, result.cartridges,
-                static_cast<double>(result.bytes) / (1024.0 * 1024.0));
+                megabytes(result.bytes));
     std::puts("Operation Complete!");
     return 0;
 }
