@@ -17,6 +17,7 @@
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QResizeEvent>
 #include <QScreen>
 #include <QSignalBlocker>
 #include <QSvgRenderer>
@@ -375,8 +376,15 @@ void frmMain::loadTabs() {
                 continue; // row 25 belongs to the resident cartridges; no tab shows it
             CategoryTabs->setTabText(index, tab.tabName);
             // A tab without a caption lists nothing; hiding it keeps the strip to the named tabs.
-            CategoryTabs->setTabVisible(index, !tab.tabName.isEmpty());
+            // The strip's scroll buttons go by its last tab, so that one stays in place, disabled.
+            const bool named = !tab.tabName.isEmpty();
+            CategoryTabs->setTabVisible(index, named || index == kTabCount - 1);
+            CategoryTabs->setTabEnabled(index, named);
         }
+        // The strip sets its scroll buttons anew only when it is resized; tabs shown or hidden here
+        // would otherwise leave them as they were, and a new tab past the edge out of reach.
+        QResizeEvent relayout(CategoryTabs->size(), CategoryTabs->size());
+        QCoreApplication::sendEvent(CategoryTabs, &relayout);
     }
     if (CategoryTabs->currentIndex() != currentTab_ && CategoryTabs->currentIndex() >= 0)
         CategoryTabs_TabActivate(CategoryTabs->currentIndex());
@@ -395,10 +403,13 @@ void frmMain::GeneralInit() {
 }
 
 int frmMain::shownTab(int index) const {
-    if (index < 0 || index >= kTabCount || CategoryTabs->isTabVisible(index)) return index;
+    const auto shown = [this](int i) {
+        return CategoryTabs->isTabVisible(i) && CategoryTabs->isTabEnabled(i);
+    };
+    if (index < 0 || index >= kTabCount || shown(index)) return index;
     for (int step = 1; step < kTabCount; ++step) {
         const int next = (index + step) % kTabCount;
-        if (CategoryTabs->isTabVisible(next)) return next;
+        if (shown(next)) return next;
     }
     return index; // no tab has a caption: nothing to list, and the list stays as it is
 }

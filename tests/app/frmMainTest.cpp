@@ -7,6 +7,7 @@
 #include <QPlainTextEdit>
 #include <QTabBar>
 #include <QTest>
+#include <QToolButton>
 #include <gtest/gtest.h>
 
 using namespace ql;
@@ -188,4 +189,29 @@ TEST(MainFormStart, ABlankFirstTabStartsOnTheFirstNamedTab) {
     form.CategoryTabs_TabActivate(0);
     shows(1, "Files: 1");
     EXPECT_TRUE(world.fake().dialogs.messages.empty());
+}
+
+// Tabs named in the utility form appear at the next refresh, and the strip scrolls to reach them.
+TEST_F(MainFormTest, TabsNamedLaterCanBeReachedAfterTheRefresh) {
+    form->show();
+    const auto scrollable = [&] {
+        for (auto* button : form->CategoryTabs->findChildren<QToolButton*>())
+            if (button->isVisible() && button->isEnabled()) return true;
+        return false;
+    };
+    ASSERT_FALSE(scrollable()) << "the case needs a strip that fits at first";
+    {
+        auto c = world.open();
+        for (int code = 16; code <= 21; ++code)
+            c->updateTab(code, QString("Arcade Classics %1").arg(code), "");
+        c->addProgram(program("Arcade Classics 21", "Gorf", "/atari/gorf.atr"));
+    }
+    form->loadTabs();
+    form->GeneralInit();
+    form->CategoryTabs_TabActivate(0);
+    ASSERT_TRUE(form->CategoryTabs->isTabVisible(20));
+    EXPECT_GT(form->CategoryTabs->tabRect(20).width(), 0);
+    EXPECT_TRUE(scrollable());
+    form->CategoryTabs->setCurrentIndex(20);
+    EXPECT_EQ(listed(), std::vector<QString>{"Gorf"});
 }
