@@ -17,7 +17,6 @@
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QResizeEvent>
 #include <QScreen>
 #include <QSignalBlocker>
 #include <QSvgRenderer>
@@ -381,10 +380,6 @@ void frmMain::loadTabs() {
             CategoryTabs->setTabVisible(index, named || index == kTabCount - 1);
             CategoryTabs->setTabEnabled(index, named);
         }
-        // The strip sets its scroll buttons anew only when it is resized; tabs shown or hidden here
-        // would otherwise leave them as they were, and a new tab past the edge out of reach.
-        QResizeEvent relayout(CategoryTabs->size(), CategoryTabs->size());
-        QCoreApplication::sendEvent(CategoryTabs, &relayout);
     }
     if (CategoryTabs->currentIndex() != currentTab_ && CategoryTabs->currentIndex() >= 0)
         CategoryTabs_TabActivate(CategoryTabs->currentIndex());

@@ -11,8 +11,7 @@ StartupResult startUp(Host& host, const QString& currentFolder) {
     result.cataloguePath = QDir(currentFolder).absoluteFilePath(kCatalogueFileName);
     // A folder by that name is no catalogue either (folders carry more than the directory flag here).
     const auto attributes = host.fileSystem.attributes(result.cataloguePath);
-    if (!FileExists(host.fileSystem, result.cataloguePath) ||
-        (attributes && (*attributes & attr::Directory))) {
+    if (!attributes || (*attributes & attr::Directory)) {
         host.dialogs.message(QStringLiteral(
             "Error! - Cannot locate Atari.mdb - please check the properties of this shortcut"));
         return result;
