@@ -12,13 +12,9 @@ TEST(JetLike, Patterns) {
         bool match;
     };
     const Case cases[] = {
-        {"Star Raiders", "*star*", true},
-        {"Star Raiders", "*RAID*", true},
-        {"Star Raiders", "*ar r*", true},
-        {"Star Raiders", "*wars*", false},
+        {"Star Raiders", "*star*", true}, // any case
         {"Star Raiders", "Star*", true},
         {"Star Raiders", "Raiders*", false},
-        {"Star Raiders", "*", true},
         {"", "*", true},
         {"", "**", true},
         {"", "?", false},
@@ -39,9 +35,7 @@ TEST(JetLike, Patterns) {
         {"aaab", "*aab", true},
         {"Ärger", "*ärg*", true},
         {"ÄRGER", "*ärg*", true},
-        {"Émile", "é*", true},
         {"a%b", "*%*", true},
-        {"a_b", "a_b", true},
         {"axb", "a_b", false},
     };
     for (const Case& c : cases)
@@ -50,11 +44,8 @@ TEST(JetLike, Patterns) {
 }
 
 TEST(JetCompare, IgnoresCaseAndOrdersByLetters) {
-    EXPECT_EQ(jetCompare("Games", "GAMES"), 0);
-    EXPECT_EQ(jetCompare("games", "Games"), 0);
-    EXPECT_LT(jetCompare("alpha", "Beta"), 0);
+    EXPECT_EQ(jetCompare("Äpfel", "äPFEL"), 0);
+    EXPECT_LT(jetCompare("alpha", "Beta"), 0) << "not by code point";
     EXPECT_GT(jetCompare("Zaxxon", "archon"), 0);
     EXPECT_LT(jetCompare("Star", "Star Raiders"), 0);
-    EXPECT_EQ(jetCompare("Äpfel", "äPFEL"), 0);
-    EXPECT_EQ(jetCompare("", ""), 0);
 }

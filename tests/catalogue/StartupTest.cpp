@@ -16,33 +16,27 @@ TEST(Startup, NoCatalogueInTheCurrentFolder) {
     for (const bool folderOfThatName : {false, true}) {
         SCOPED_TRACE(folderOfThatName);
         TestWorld world;
-        if (folderOfThatName) {
-            ASSERT_TRUE(QDir().mkpath(world.path("Atari.mdb")));
-        }
+        ASSERT_TRUE(!folderOfThatName || QDir().mkpath(world.path("Atari.mdb")));
         FakeHost& f = world.fake();
-        const auto r = startUp(f.host(), world.root());
-        EXPECT_FALSE(r.proceed);
+        EXPECT_FALSE(startUp(f.host(), world.root()).proceed);
         EXPECT_EQ(f.dialogs.messages, std::vector<QString>{kMissing});
     }
 }
 
 TEST(Startup, FirstRunAnswers) {
     struct Case {
-        const char* answer; // nullptr: Cancel
-        bool proceeds;
-        const char* atariDir;
-        const char* file1;
-        const char* cart;
+        const char* answer;   // nullptr: Cancel
+        const char* atariDir; // empty: no start
+        char drive;           // of the paths stored afterwards
     };
     const Case cases[] = {
-        {nullptr, false, "", "D:\\Atari\\Games\\a.atr", "D:\\Atari\\c.rom"},
-        {"   ", false, "", "D:\\Atari\\Games\\a.atr", "D:\\Atari\\c.rom"},
-        {"D:\\Atari", true, "D:\\Atari\\", "D:\\Atari\\Games\\a.atr", "D:\\Atari\\c.rom"},
-        {"E:\\Atari\\", true, "E:\\Atari\\", "E:\\Atari\\Games\\a.atr", "E:\\Atari\\c.rom"},
-        {"e:\\Elsewhere", true, "e:\\Elsewhere\\", "e:\\Atari\\Games\\a.atr", "e:\\Atari\\c.rom"},
-        {"  F:\\Atari  ", true, "F:\\Atari\\", "F:\\Atari\\Games\\a.atr", "F:\\Atari\\c.rom"},
-        {"/home/user/Atari", true, "/home/user/Atari/", "D:\\Atari\\Games\\a.atr", "D:\\Atari\\c.rom"},
-        {"/home/user/Atari/", true, "/home/user/Atari/", "D:\\Atari\\Games\\a.atr", "D:\\Atari\\c.rom"},
+        {nullptr, "", 'D'},
+        {"   ", "", 'D'},
+        {"E:\\Atari\\", "E:\\Atari\\", 'E'},
+        {"e:\\Elsewhere", "e:\\Elsewhere\\", 'e'},
+        {"  F:\\Atari  ", "F:\\Atari\\", 'F'},
+        {"/home/user/Atari", "/home/user/Atari/", 'D'},
+        {"/home/user/Atari/", "/home/user/Atari/", 'D'},
     };
     for (const Case& c : cases) {
         TestWorld world;
@@ -50,15 +44,17 @@ TEST(Startup, FirstRunAnswers) {
         {
             auto cat = world.open();
             cat->addProgram(program("Games", "a", "D:\\Atari\\Games\\a.atr"));
+            cat->addProgram(program("Games", "b", "/home/u/b.atr"));
             cat->addCartridge("c", "D:\\Atari\\c.rom");
         }
         FakeHost& f = world.fake();
         if (c.answer) f.dialogs.inputAnswers.push_back(QString::fromUtf8(c.answer));
         const auto r = startUp(f.host(), world.root());
-        EXPECT_EQ(r.proceed, c.proceeds) << c.answer;
+        const bool proceeds = *c.atariDir;
+        EXPECT_EQ(r.proceed, proceeds) << c.answer;
         auto cat = world.open();
         const auto config = cat->config();
-        EXPECT_EQ(config.has_value(), c.proceeds) << c.answer;
+        EXPECT_EQ(config.has_value(), proceeds) << c.answer;
         if (config) {
             EXPECT_EQ(config->atariDir, QString::fromUtf8(c.atariDir)) << c.answer;
             EXPECT_EQ(config->windowsVersion, "XP");
@@ -67,8 +63,10 @@ TEST(Startup, FirstRunAnswers) {
         } else {
             EXPECT_EQ(f.dialogs.messages, std::vector<QString>{kNoLocation});
         }
-        EXPECT_EQ(cat->programsByTabNumber(0)[0].fileName1, QString::fromUtf8(c.file1)) << c.answer;
-        EXPECT_EQ(cat->cartridges()[0].cartPath, QString::fromUtf8(c.cart)) << c.answer;
+        EXPECT_EQ(cat->programsByTabNumber(0)[1].fileName1, "/home/u/b.atr") << "no drive, no change";
+        EXPECT_EQ(cat->programsByTabNumber(0)[0].fileName1, c.drive + QString(":\\Atari\\Games\\a.atr"))
+            << c.answer;
+        EXPECT_EQ(cat->cartridges()[0].cartPath, c.drive + QString(":\\Atari\\c.rom")) << c.answer;
     }
 }
 
@@ -81,10 +79,8 @@ TEST(Startup, CancelAsksAgainNextTimeAndASecondStartAsksNothing) {
     f.dialogs.inputAnswers.push_back("/srv/atari");
     EXPECT_TRUE(startUp(f.host(), world.root()).proceed);
     EXPECT_EQ(f.dialogs.prompts.size(), 2u);
-    const auto third = startUp(f.host(), world.root());
-    EXPECT_TRUE(third.proceed);
+    EXPECT_EQ(startUp(f.host(), world.root()).atariDir, "/srv/atari/");
     EXPECT_EQ(f.dialogs.prompts.size(), 2u);
-    EXPECT_EQ(third.atariDir, "/srv/atari/");
 }
 
 TEST(Startup, StoredValuesAreTrimmedOnly) {

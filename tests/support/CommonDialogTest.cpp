@@ -37,20 +37,6 @@ struct Call {
 
 } // namespace
 
-TEST(CommonDialogTest, CancelEmptiesTheResults) {
-    AnsweringDialogs dialogs;
-    cCommonDialog d(dialogs);
-    Call call;
-    EXPECT_FALSE(call.run(d));
-    EXPECT_EQ(call.filename, "");
-    EXPECT_EQ(call.fileTitle, "");
-    EXPECT_EQ(call.filter, "");
-    EXPECT_EQ(call.filterIndex, -1);
-    EXPECT_EQ(call.flags, 0);
-    EXPECT_EQ(d.APIReturn(), 0);
-    EXPECT_EQ(d.ExtendedError(), 0);
-}
-
 TEST(CommonDialogTest, RequestCarriesFlagsFilterAndOwner) {
     AnsweringDialogs dialogs;
     cCommonDialog d(dialogs);
@@ -58,11 +44,10 @@ TEST(CommonDialogTest, RequestCarriesFlagsFilterAndOwner) {
     call.filter = "Disks (*.atr)|*.atr:All| *.*";
     call.filterIndex = 2;
     call.flags = ofn::EnableHook | ofn::EnableTemplate | 0x8;
-    call.run(d, true, false, nullptr);
+    call.run(d);
     ASSERT_EQ(dialogs.requests.size(), 1u);
     const OpenFileRequest& r = dialogs.requests[0];
     EXPECT_EQ(r.flags, ofn::FileMustExist | 0x8) << "hook and template bits are cleared";
-    EXPECT_EQ(r.owner, nullptr);
     EXPECT_EQ(r.filterIndex, 2);
     using Pairs = std::vector<std::pair<QString, QString>>;
     EXPECT_EQ(r.filters, (Pairs{{"Disks (*.atr)", "*.atr"}, {"All", " *.*"}}))
@@ -78,7 +63,7 @@ TEST(CommonDialogTest, RequestCarriesFlagsFilterAndOwner) {
     EXPECT_EQ(dialogs.requests[1].owner, &owner);
 }
 
-TEST(CommonDialogTest, ChoiceGivesPathTitleAndChosenFilter) {
+TEST(CommonDialogTest, ChoiceGivesPathTitleAndChosenFilterAndCancelEmptiesThem) {
     AnsweringDialogs dialogs;
     dialogs.answers.push_back(OpenFileAnswer{{"/atari/Games/Star Raiders.atr"}, 2, false});
     dialogs.answers.push_back(OpenFileAnswer{{"/atari/a.atr", "/atari/b.atr"}, 1, true});
@@ -97,4 +82,15 @@ TEST(CommonDialogTest, ChoiceGivesPathTitleAndChosenFilter) {
     EXPECT_TRUE(multi.run(d, true, true));
     EXPECT_EQ(multi.filename, QString("/atari/") + QChar(0) + "a.atr" + QChar(0) + "b.atr");
     EXPECT_TRUE(multi.readOnly);
+
+    Call cancel; // no answer left
+    cancel.flags = ofn::ReadOnly;
+    EXPECT_FALSE(cancel.run(d));
+    EXPECT_EQ(cancel.filename, "");
+    EXPECT_EQ(cancel.fileTitle, "");
+    EXPECT_EQ(cancel.filter, "");
+    EXPECT_EQ(cancel.filterIndex, -1);
+    EXPECT_EQ(cancel.flags, 0);
+    EXPECT_EQ(d.APIReturn(), 0);
+    EXPECT_EQ(d.ExtendedError(), 0);
 }

@@ -14,7 +14,8 @@ using namespace ql::test;
 
 namespace {
 
-// The byte-at-a-time loop over the table, as an independent reference for zlib.
+// The byte-at-a-time loop over the table, as an independent reference for zlib: a wrong table entry
+// shows as a mismatch, since pattern() holds every byte value.
 std::int32_t tableCrc(const cCRC32& crc, const QByteArray& bytes) {
     std::uint32_t c = 0xFFFFFFFFu;
     for (char b : bytes)
@@ -29,35 +30,27 @@ QByteArray pattern(qsizetype size) {
     return bytes;
 }
 
-std::int32_t fileCrc(const QString& path) {
-    cCRC32 crc;
-    cBinaryFileStream stream;
-    stream.file(path);
-    return crc.GetFileCrc32(stream);
+// A file of head, a hole of zeros the disk does not hold, and tail.
+void writeSparse(const QString& path, const QByteArray& head, std::int64_t zeros, const QByteArray& tail) {
+    QFile f(path);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    ASSERT_EQ(f.write(head), head.size());
+    ASSERT_EQ(::ftruncate(f.handle(), head.size() + zeros), 0);
+    ASSERT_TRUE(f.seek(head.size() + zeros));
+    ASSERT_EQ(f.write(tail), tail.size());
 }
 
 } // namespace
 
-TEST(Crc32Test, TableIsTheReflectedIeeeTable) {
-    cCRC32 crc;
-    EXPECT_EQ(crc.table()[0], 0);
-    EXPECT_EQ(static_cast<std::uint32_t>(crc.table()[1]), 0x77073096u);
-    EXPECT_EQ(static_cast<std::uint32_t>(crc.table()[128]), 0xEDB88320u);
-    EXPECT_EQ(static_cast<std::uint32_t>(crc.table()[255]), 0x2D02EF8Du);
-}
-
 TEST(Crc32Test, KnownValuesAsSignedDecimal) {
-    struct Case {
-        QByteArray data;
-        const char* text;
-    };
-    const Case cases[] = {{"", "0"}, {"abc", "891568578"}, {"123456789", "-873187034"}};
     TestWorld world;
     cCRC32 crc;
-    for (const Case& c : cases) {
-        EXPECT_EQ(crcText(crc.GetByteArrayCrc32(c.data)), c.text) << c.data.constData();
-        const QString path = world.writeFile("f_" + QString::number(c.data.size()), c.data);
-        EXPECT_EQ(crcText(fileCrc(path)), c.text) << c.data.constData();
+    cBinaryFileStream stream;
+    for (const auto& [data, text] :
+         {std::pair<QByteArray, const char*>{"", "0"}, {"abc", "891568578"}, {"123456789", "-873187034"}}) {
+        EXPECT_EQ(crcText(crc.GetByteArrayCrc32(data)), text) << data.constData();
+        stream.file(world.writeFile("f" + QString::number(data.size()), data));
+        EXPECT_EQ(crcText(crc.GetFileCrc32(stream)), text) << data.constData();
     }
 }
 
@@ -100,14 +93,12 @@ TEST(Crc32Test, ReadHandsOutTheTailAndKeepsTheRestOfTheBuffer) {
 
 TEST(Crc32Test, SettingAFileClosesOneReadInPart) {
     TestWorld world;
-    const QString first = world.writeFile("first", pattern(100));
-    const QString second = world.writeFile("second", pattern(50));
     cCRC32 crc;
     cBinaryFileStream stream;
-    stream.file(first);
+    stream.file(world.writeFile("first", pattern(100)));
     char buffer[10];
     ASSERT_EQ(stream.Read(buffer, 10, true), 10);
-    stream.file(second);
+    stream.file(world.writeFile("second", pattern(50)));
     EXPECT_EQ(crc.GetFileCrc32(stream), crc.GetByteArrayCrc32(pattern(50)));
 }
 
@@ -128,7 +119,6 @@ TEST(Crc32Test, SameContentsSameValueAndMissingFilesGiveZero) {
 }
 
 TEST(Crc32Test, FileOfMoreThan2GiBIsReadWhole) {
-    // A sparse file: a few bytes, more than 2 GiB of zeros that the disk does not hold, a few bytes.
     // In memory when it can be, where reading a hole costs no page of its own.
     TestWorld world;
     const QString shm = QStringLiteral("/dev/shm");
@@ -137,28 +127,17 @@ TEST(Crc32Test, FileOfMoreThan2GiBIsReadWhole) {
     const QByteArray head = "ATARI", tail = "END";
     const std::int64_t zeros = (std::int64_t(1) << 31) + 1;
     const QString path = fast.filePath("huge.atr");
-    {
-        QFile f(path);
-        ASSERT_TRUE(f.open(QIODevice::ReadWrite));
-        ASSERT_EQ(f.write(head), head.size());
-        ASSERT_EQ(::ftruncate(f.handle(), head.size() + zeros), 0);
-        ASSERT_TRUE(f.seek(head.size() + zeros));
-        ASSERT_EQ(f.write(tail), tail.size());
-    }
+    writeSparse(path, head, zeros, tail);
     // The reference: zlib over the pieces, the zeros by doubling a 1 MiB block.
-    const QByteArray block(1 << 20, '\0');
-    uLong zeroCrc = crc32(0L, reinterpret_cast<const Bytef*>(block.constData()), block.size());
-    std::int64_t zeroLen = block.size();
-    while (zeroLen * 2 <= zeros) {
+    const auto z = [](uLong crc, const QByteArray& b) {
+        return crc32(crc, reinterpret_cast<const Bytef*>(b.constData()), static_cast<uInt>(b.size()));
+    };
+    std::int64_t zeroLen = 1 << 20;
+    uLong zeroCrc = z(0, QByteArray(zeroLen, '\0'));
+    for (; zeroLen * 2 <= zeros; zeroLen *= 2)
         zeroCrc = crc32_combine(zeroCrc, zeroCrc, zeroLen);
-        zeroLen *= 2;
-    }
-    const QByteArray rest(zeros - zeroLen, '\0');
-    zeroCrc = crc32_combine(zeroCrc, crc32(0L, reinterpret_cast<const Bytef*>(rest.constData()), rest.size()),
-                            rest.size());
-    uLong expected = crc32(0L, reinterpret_cast<const Bytef*>(head.constData()), head.size());
-    expected = crc32_combine(expected, zeroCrc, zeros);
-    expected = crc32(expected, reinterpret_cast<const Bytef*>(tail.constData()), tail.size());
+    zeroCrc = crc32_combine(zeroCrc, z(0, QByteArray(zeros - zeroLen, '\0')), zeros - zeroLen);
+    const uLong expected = z(crc32_combine(z(0, head), zeroCrc, zeros), tail);
 
     cCRC32 crc;
     cBinaryFileStream stream;
@@ -169,12 +148,8 @@ TEST(Crc32Test, FileOfMoreThan2GiBIsReadWhole) {
 
 TEST(Crc32Test, StopEndsTheReadBeforeItsNextChunk) {
     TestWorld world;
-    const QString huge = world.writeFile("huge.atr", "ATARI");
-    {
-        QFile f(huge);
-        ASSERT_TRUE(f.open(QIODevice::ReadWrite));
-        ASSERT_EQ(::ftruncate(f.handle(), std::int64_t(4) << 30), 0); // sparse: takes no room
-    }
+    const QString huge = world.path("huge.atr");
+    writeSparse(huge, "ATARI", std::int64_t(4) << 30, "");
     const QByteArray bytes = pattern(2 * cCRC32::kChunkSize + 3);
     const QString small = world.writeFile("small.atr", bytes);
     cCRC32 crc;
@@ -191,7 +166,4 @@ TEST(Crc32Test, StopEndsTheReadBeforeItsNextChunk) {
 
     stop = false;
     EXPECT_EQ(fileCrcOrZero(crc, stream, small, stop), tableCrc(crc, bytes));
-    EXPECT_EQ(fileCrcOrZero(crc, stream, small), tableCrc(crc, bytes));
-    stream.file(small);
-    EXPECT_EQ(crc.GetFileCrc32(stream, stop), tableCrc(crc, bytes));
 }

@@ -36,14 +36,12 @@ TEST(RunDosCommand, WritesStartsAndRemovesTheScript) {
     FakeHost& f = world.fake();
     const QString command = "cp -- " + ShellQuote("/a/it's.atr") + " " + ShellQuote("/b/");
     RunDosCommand(f.host(), command);
-    ASSERT_TRUE(f.scripts.written.contains("rundos.sh"));
-    EXPECT_EQ(f.scripts.written["rundos.sh"], "#!/bin/sh\n" + command.toUtf8() + "\n\nexit\n");
+    EXPECT_EQ(f.scripts.written.value("rundos.sh"), "#!/bin/sh\n" + command.toUtf8() + "\n\nexit\n");
     ASSERT_EQ(f.processes.started.size(), 1u);
     EXPECT_EQ(f.processes.started[0].program, "/bin/sh");
     EXPECT_EQ(f.processes.started[0].args, QStringList{f.scripts.folder() + "/rundos.sh"});
     EXPECT_FALSE(QFile::exists(f.scripts.folder() + "/rundos.sh"));
     EXPECT_GE(f.clock.time, 1001.0) << "gives the command a second";
-    EXPECT_TRUE(f.dialogs.messages.empty());
 }
 
 TEST(RunDosCommand, RetriesThenGivesUpWithAMessage) {
