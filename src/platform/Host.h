@@ -6,9 +6,17 @@
 #include <QStringList>
 #include <cstdint>
 #include <optional>
+#include <stdexcept>
 #include <vector>
 
 namespace ql {
+
+// A host facility that cannot do what it was asked: no window with that title, no X display, a key
+// text it cannot read. Callers that drive other programs trap it and end their sequence.
+class HostError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
 
 // Message box, yes/no box and input box. Boxes carry no title, as the program's messages never did.
 class Dialogs {
@@ -74,11 +82,34 @@ public:
     virtual std::vector<DirEntry> list(const QString& folder) = 0;
 };
 
-// One complete tap of a key given by its Windows virtual-key code, no modifiers.
+// Keys into whatever window has the focus.
 class Keyboard {
 public:
     virtual ~Keyboard() = default;
+    // One complete tap of a key given by its Windows virtual-key code, no modifiers.
     virtual void tapVirtualKey(std::uint8_t vk) = 0;
+    // One key going down or up, by Windows virtual-key code; extended marks the keys of the
+    // navigation block, as the Windows call does (it changes nothing for a key X knows only once).
+    virtual void keyEvent(std::uint8_t vk, bool down, bool extended) = 0;
+    // The key that types a character on the current layout: the virtual-key code in the low byte,
+    // the shift state it needs in the high byte (1 Shift, 2 Ctrl, 4 Alt); -1 when no key types it.
+    virtual int keyScan(char16_t character) = 0;
+    // The SendKeys statement: "+" Shift, "^" Ctrl, "%" Alt on the next key or group "( )", "~" Enter,
+    // "{NAME}" and "{NAME n}" named keys, anything else typed. wait: return only once the display
+    // has taken every event. Throws HostError on a bad key text.
+    virtual void sendKeys(const QString& keys, bool wait = false) = 0;
+    // The system's short signal.
+    virtual void beep() = 0;
+};
+
+// Other programs' top-level windows, found by title.
+class Windows {
+public:
+    virtual ~Windows() = default;
+    // AppActivate: raises and focuses the first viewable top-level window whose title equals the
+    // text, else the first whose title begins with it, and returns once it holds the focus (within
+    // a bound). Throws HostError when there is none.
+    virtual void activate(const QString& title) = 0;
 };
 
 // The emulator's settings store, in the registry's terms: a key path under a root, and typed values.
@@ -112,6 +143,7 @@ struct Host {
     Keyboard& keyboard;
     Registry& registry;
     Associations& associations;
+    Windows& windows;
 };
 
 } // namespace ql

@@ -12,8 +12,6 @@
 #include <QSaveFile>
 #include <QTimer>
 
-#include <X11/Xlib.h>
-#include <X11/extensions/XTest.h>
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -147,30 +145,8 @@ std::vector<DirEntry> LinuxFileSystem::list(const QString& folder) {
     return entries;
 }
 
-namespace {
-int ignoreXErrors(Display*, XErrorEvent*) {
-    return 0;
-}
-} // namespace
-
-void LinuxKeyboard::tapVirtualKey(std::uint8_t vk) {
-    const unsigned long keysym = keysymForVirtualKey(vk);
-    if (keysym == 0) return;
-    Display* dpy = XOpenDisplay(nullptr);
-    if (!dpy) return;
-    // The default handler ends the process on BadWindow, which a closing target window can cause.
-    XSetErrorHandler(ignoreXErrors);
-    const KeyCode code = XKeysymToKeycode(dpy, keysym);
-    if (code != 0) {
-        XTestFakeKeyEvent(dpy, code, True, CurrentTime);
-        XTestFakeKeyEvent(dpy, code, False, CurrentTime);
-        XFlush(dpy);
-    }
-    XCloseDisplay(dpy);
-}
-
 LinuxHost::LinuxHost()
-    : host_(std::make_unique<Host>(
-          Host{dialogs_, processes_, scripts_, clock_, fileSystem_, keyboard_, registry_, associations_})) {}
+    : host_(std::make_unique<Host>(Host{dialogs_, processes_, scripts_, clock_, fileSystem_, keyboard_,
+                                        registry_, associations_, windows_})) {}
 
 } // namespace ql

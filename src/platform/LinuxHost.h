@@ -40,10 +40,21 @@ public:
     std::vector<DirEntry> list(const QString& folder) override;
 };
 
-// X11 XTest when a display is there; otherwise the tap is dropped.
+// X11: XTest events to the window that has the focus. With no X display each call throws a
+// HostError that names the cause.
 class LinuxKeyboard : public Keyboard {
 public:
     void tapVirtualKey(std::uint8_t vk) override;
+    void keyEvent(std::uint8_t vk, bool down, bool extended) override;
+    int keyScan(char16_t character) override;
+    void sendKeys(const QString& keys, bool wait) override;
+    void beep() override;
+};
+
+// X11: top-level windows found by _NET_WM_NAME or WM_NAME.
+class LinuxWindows : public Windows {
+public:
+    void activate(const QString& title) override;
 };
 
 // Owns one of each and hands out the Host of references.
@@ -61,6 +72,7 @@ private:
     LinuxKeyboard keyboard_;
     LinuxRegistry registry_;
     LinuxAssociations associations_;
+    LinuxWindows windows_;
     std::unique_ptr<Host> host_;
 };
 

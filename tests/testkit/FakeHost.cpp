@@ -1,5 +1,7 @@
 #include "FakeHost.h"
 #include "LinuxHost.h"
+#include "SendKeysText.h"
+#include "VirtualKeys.h"
 
 #include <QFile>
 #include <stdexcept>
@@ -59,12 +61,54 @@ void FakeClock::pumpEvents(double maxSeconds) {
     if (onPump) onPump();
 }
 
+void FakeKeyboard::tapVirtualKey(std::uint8_t vk) {
+    if (!failure.isEmpty()) throw HostError(failure.toStdString());
+    taps.push_back(vk);
+    if (journal) journal->push_back(QStringLiteral("tap %1").arg(vk));
+}
+
+void FakeKeyboard::keyEvent(std::uint8_t vk, bool down, bool extended) {
+    if (!failure.isEmpty()) throw HostError(failure.toStdString());
+    events.push_back({vk, down, extended});
+}
+
+int FakeKeyboard::keyScan(char16_t character) {
+    return usLayoutKeyScan(character);
+}
+
+void FakeKeyboard::sendKeys(const QString& keys, bool wait) {
+    if (!failure.isEmpty()) throw HostError(failure.toStdString());
+    parseSendKeys(keys);
+    sent.push_back(keys);
+    if (journal) journal->push_back((wait ? QStringLiteral("keys(wait) ") : QStringLiteral("keys ")) + keys);
+    if (onSendKeys) onSendKeys(keys);
+}
+
+void FakeKeyboard::beep() {
+    if (!failure.isEmpty()) throw HostError(failure.toStdString());
+    ++beeps;
+    if (journal) journal->push_back(QStringLiteral("beep"));
+}
+
+void FakeWindows::activate(const QString& title) {
+    QString found;
+    for (const QString& t : titles)
+        if (found.isEmpty() && t == title) found = t;
+    for (const QString& t : titles)
+        if (found.isEmpty() && t.startsWith(title)) found = t;
+    if (found.isEmpty()) throw HostError("No window titled " + title.toStdString());
+    active = found;
+    if (journal) journal->push_back(QStringLiteral("activate ") + title);
+}
+
 FakeHost::FakeHost(const QString& scriptFolder)
     : scripts(scriptFolder),
       fileSystem_(std::make_unique<LinuxFileSystem>()), host_{dialogs,  processes,    scripts,
                                                               clock,    *fileSystem_, keyboard,
-                                                              registry, associations} {
+                                                              registry, associations, windows} {
     processes.journal = &journal;
+    keyboard.journal = &journal;
+    windows.journal = &journal;
     scripts.journal = &journal;
     registry.journal = &journal;
 }

@@ -63,10 +63,42 @@ public:
     std::function<void()> onPump; // stands for the user's events that a pump lets through
 };
 
+// One low-level key event as the program made it.
+struct KeyEventRecord {
+    std::uint8_t vk = 0;
+    bool down = false;
+    bool extended = false;
+    bool operator==(const KeyEventRecord&) const = default;
+};
+
+// Records every key that leaves the program. Key texts are read as the real keyboard reads them, so
+// a bad text fails here too. The layout is a US keyboard's.
 class FakeKeyboard : public Keyboard {
 public:
-    void tapVirtualKey(std::uint8_t vk) override { taps.push_back(vk); }
+    void tapVirtualKey(std::uint8_t vk) override;
+    void keyEvent(std::uint8_t vk, bool down, bool extended) override;
+    int keyScan(char16_t character) override;
+    void sendKeys(const QString& keys, bool wait) override;
+    void beep() override;
+
     std::vector<std::uint8_t> taps;
+    std::vector<KeyEventRecord> events;
+    std::vector<QString> sent; // SendKeys texts, in order
+    int beeps = 0;
+    // "tap 121", "keys {F10}", "keys(wait) {F10}", "beep"; key events are not journalled.
+    std::vector<QString>* journal = nullptr;
+    // When set, every facility throws HostError with this text, as with no display.
+    QString failure;
+    std::function<void(const QString&)> onSendKeys; // stands for the target window taking the keys
+};
+
+// Top-level windows by title; activation finds them as the real one does.
+class FakeWindows : public Windows {
+public:
+    void activate(const QString& title) override;
+    QStringList titles;                      // the windows that are open
+    QString active;                          // the title of the last window activated
+    std::vector<QString>* journal = nullptr; // "activate TITLE"
 };
 
 // One write to the registry, as the program made it.
@@ -124,6 +156,7 @@ public:
     FakeKeyboard keyboard;
     FakeRegistry registry;
     FakeAssociations associations;
+    FakeWindows windows;
     // What left the process, in order, across the registry, the scripts and the processes.
     std::vector<QString> journal;
 
