@@ -22,6 +22,10 @@ QString shown(const QString& text) {
     return text.isEmpty() ? QStringLiteral("(empty)") : text;
 }
 
+QString driveLine(int drive, const QString& file) {
+    return QStringLiteral("D%1:         %2").arg(drive).arg(shown(GetFileName(file)));
+}
+
 } // namespace
 
 QString windowTitleFor(const QString& file) {
@@ -60,11 +64,14 @@ EmulatorState emulatorState(const RegistryFile& registry, const QStringList& arg
     state.lines << QStringLiteral("Cartridge:  %1 (type %2)")
                        .arg(shown(GetFileName(text("fileRomCartridge"))), shown(text("sysCartType")));
     for (int drive = 1; drive <= 4; ++drive)
-        state.lines << QStringLiteral("D%1:         %2")
-                           .arg(drive)
-                           .arg(shown(
-                               GetFileName(text(QStringLiteral("pathDiskDrive%1").arg(drive).toLatin1()))));
+        state.lines << driveLine(drive, text(QStringLiteral("pathDiskDrive%1").arg(drive).toLatin1()));
     return state;
+}
+
+void attachDisk(EmulatorState& state, int drive, const QString& file) {
+    const QString prefix = QStringLiteral("D%1:").arg(drive);
+    for (QString& line : state.lines)
+        if (line.startsWith(prefix)) line = driveLine(drive, file);
 }
 
 } // namespace ql::emu

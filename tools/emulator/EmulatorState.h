@@ -25,4 +25,7 @@ QString windowTitleFor(const QString& file);
 // The state from the registry and the arguments (without the program name).
 EmulatorState emulatorState(const RegistryFile& registry, const QStringList& arguments);
 
+// Shows the file on the line of drive 1 to 4.
+void attachDisk(EmulatorState& state, int drive, const QString& file);
+
 } // namespace ql::emu
