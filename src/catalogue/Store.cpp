@@ -354,6 +354,68 @@ void Catalogue::updateProgram(const ProgramRecord& r) {
          r.programCode});
 }
 
+QStringList Catalogue::programColumns() {
+    const QSqlRecord record = db_.record(QStringLiteral("Programs"));
+    QStringList columns;
+    for (int i = 0; i < record.count(); ++i)
+        columns << record.fieldName(i);
+    return columns;
+}
+
+namespace {
+
+// Field names come from callers and forms, so only a real column's own name, quoted, ever reaches
+// the SQL text.
+QString quotedColumn(const QStringList& columns, const QString& name) {
+    for (const QString& column : columns)
+        if (column.compare(name, Qt::CaseInsensitive) == 0)
+            return '"' + QString(column).replace('"', QStringLiteral("\"\"")) + '"';
+    throw StoreError(QStringLiteral("The catalogue has no field \"%1\" in Programs.").arg(name));
+}
+
+} // namespace
+
+std::optional<QVariantMap> Catalogue::programFields(int code, const QStringList& names) {
+    const QStringList columns = programColumns();
+    QStringList selected;
+    for (const QString& name : names)
+        selected << quotedColumn(columns, name);
+    const QString list = selected.isEmpty() ? QStringLiteral("1") : selected.join(QStringLiteral(", "));
+    QSqlQuery q = run("SELECT " + list + " FROM Programs WHERE ProgramCode = ?", {code});
+    if (!q.next()) return std::nullopt;
+    QVariantMap fields;
+    for (int i = 0; i < names.size(); ++i)
+        fields.insert(names[i], q.value(i));
+    return fields;
+}
+
+bool Catalogue::setProgramFields(int code, const QVariantMap& fields) {
+    if (fields.isEmpty()) return programFields(code, {}).has_value();
+    const QStringList columns = programColumns();
+    QStringList assignments, seen;
+    QVariantList values;
+    for (auto it = fields.cbegin(); it != fields.cend(); ++it) {
+        const QString column = quotedColumn(columns, it.key());
+        if (column.compare(QStringLiteral("\"ProgramCode\""), Qt::CaseInsensitive) == 0)
+            throw StoreError(QStringLiteral("ProgramCode is the key of a record and cannot be changed."));
+        if (seen.contains(column, Qt::CaseInsensitive))
+            throw StoreError(QStringLiteral("The field %1 was given twice.").arg(it.key()));
+        seen << column;
+        assignments << column + QStringLiteral(" = ?");
+        values << it.value();
+    }
+    values << code;
+    try {
+        const QSqlQuery q =
+            run("UPDATE Programs SET " + assignments.join(QStringLiteral(", ")) + " WHERE ProgramCode = ?",
+                values);
+        return q.numRowsAffected() > 0;
+    } catch (const StoreError& e) {
+        throw StoreError(
+            QStringLiteral("The record %1 could not be changed: %2").arg(QString::number(code), e.message()));
+    }
+}
+
 void Catalogue::relocateDrive(QChar letter) {
     const QString l(letter);
     // Only paths that carry a drive letter have one to replace.

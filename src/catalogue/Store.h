@@ -4,7 +4,9 @@
 
 #include <QSqlDatabase>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
+#include <QVariantMap>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -112,6 +114,13 @@ public:
     void deleteProgramsByTabNumber(int tabNumber);
     int addProgram(const ProgramRecord& record); // returns the new ProgramCode
     void updateProgram(const ProgramRecord& record);
+    // The named fields of one row, keyed by the names as given (matched to the columns ignoring
+    // case); nothing when no row has the code. A name that is not a column of Programs throws.
+    std::optional<QVariantMap> programFields(int code, const QStringList& names);
+    // Writes the named fields of one row in one statement, so it lands whole or not at all. False
+    // when no row has the code. A name that is not a column of Programs, a name given twice or the
+    // key ProgramCode throws before anything is written.
+    bool setProgramFields(int code, const QVariantMap& fields);
     // Puts the letter in place of the drive letter of every stored path that has one. The caller
     // holds a Transaction, so that the three tables move together.
     void relocateDrive(QChar letter);
@@ -151,6 +160,8 @@ private:
     QSqlQuery run(const QString& sql, const QVariantList& values = {});
     QSqlQuery& prepared(const QString& sql);
     static ProgramRecord readProgram(const QSqlQuery& q);
+    // The real names of the Programs columns, as the file declares them.
+    QStringList programColumns();
 
     QString connectionName_;
     QSqlDatabase db_;
