@@ -2,8 +2,10 @@
 #include "LaunchPipeline.h"
 #include "MachineOptions.h"
 #include "ProgramList.h"
+#include "RecordCommands.h"
 #include "SelectionView.h"
 #include "UtilityEntry.h"
+#include "frmEditProgram.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -14,6 +16,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -142,8 +145,10 @@ void frmMain::buildControls() {
 
     const QStringList editCaptions = {QStringLiteral("Add to Favourites"), QStringLiteral("Delete"),
                                       QStringLiteral("Edit")};
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 3; ++i) {
         cmdEdit[i] = named(new QPushButton(editCaptions[i], this), QStringLiteral("cmdEdit_%1").arg(i));
+        connect(cmdEdit[i], &QPushButton::clicked, this, [this, i] { guarded([&] { cmdEdit_Click(i); }); });
+    }
     cmdLoadUtilForm =
         named(new QPushButton(QStringLiteral("Utility"), this), QStringLiteral("cmdLoadUtilForm"));
     connect(cmdLoadUtilForm, &QPushButton::clicked, this,
@@ -251,6 +256,8 @@ void frmMain::buildOptionPanel() {
     cmdSnapPicture[0] = named(new QPushButton(QStringLiteral("&Take Picture"), frame8Bit),
                               QStringLiteral("cmdSnapPicture_0"));
     cmdSnapPicture[0]->setToolTip(QStringLiteral("Snaps a picture of the currently running Atari program"));
+    connect(cmdSnapPicture[0], &QPushButton::clicked, this, [this] { cmdSnapPicture_Click(0); });
+    cmdSnapPicture[0]->installEventFilter(this); // the right button starts the run down the list
 
     const QString driveNumbers[4] = {QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("4"),
                                      QStringLiteral("3")};
@@ -323,6 +330,7 @@ void frmMain::buildOtherMachinePanel() {
     cmdSnapPicture[1] = named(new QPushButton(QStringLiteral("&Take Picture"), frameAtari),
                               QStringLiteral("cmdSnapPicture_1"));
     cmdSnapPicture[1]->setToolTip(QStringLiteral("Snaps a picture of the currently running Atari program"));
+    connect(cmdSnapPicture[1], &QPushButton::clicked, this, [this] { cmdSnapPicture_Click(1); });
     cmdSnapPicture[1]->hide();
     auto* pictures = new QGridLayout;
     for (int i = 3; i < 9; ++i) {
@@ -448,6 +456,11 @@ void frmMain::prgList_KeyPress(const QString& text) {
 }
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == cmdSnapPicture[0] && event->type() == QEvent::MouseButtonRelease &&
+        static_cast<QMouseEvent*>(event)->button() == Qt::RightButton) {
+        cmdSnapPicture_MouseUp(0, 2);
+        return true;
+    }
     if (watched == prgList && event->type() == QEvent::KeyPress) {
         auto* key = static_cast<QKeyEvent*>(event);
         if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
@@ -462,6 +475,38 @@ bool frmMain::eventFilter(QObject* watched, QEvent* event) {
 
 int frmMain::selectedProgramCode() const {
     return model_.programCode(prgList->currentIndex().row());
+}
+
+QString frmMain::currentTabCaption() const {
+    return CategoryTabs->tabText(currentTab_);
+}
+
+int frmMain::listIndex() const {
+    return prgList->currentIndex().isValid() ? prgList->currentIndex().row() : -1;
+}
+
+void frmMain::setListIndex(int index) {
+    prgList->setCurrentIndex(model_.index(index));
+}
+
+int frmMain::listCount() const {
+    return model_.rowCount();
+}
+
+void frmMain::cmdEdit_Click(int index) {
+    const int code = selectedProgramCode();
+    if (recordCommand(cataloguePath_, index, code) == RecordOutcome::OpenEditor)
+        openProgramEditor(cataloguePath_, code, host_.dialogs, this);
+}
+
+void frmMain::cmdSnapPicture_Click(int) {
+    SnapRunningPicture(host_, *this);
+}
+
+void frmMain::cmdSnapPicture_MouseUp(int index, int button) {
+    if (index != 0 || button != 2) return;
+    // A BASIC listing's picture is taken by the Atari800 road, which ends the program.
+    if (pictureRun_.rightClick(host_, *this) == SnapOutcome::EndProgram) QApplication::quit();
 }
 
 void frmMain::prgList_Click() {

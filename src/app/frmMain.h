@@ -2,6 +2,7 @@
 #include "Host.h"
 #include "ProgramList.h"
 #include "ProgramListModel.h"
+#include "Snapshot.h"
 #include "Startup.h"
 
 #include <QWidget>
@@ -19,7 +20,7 @@ class QTabBar;
 
 namespace ql {
 
-class frmMain : public QWidget, public MainFormOps {
+class frmMain : public QWidget, public MainFormOps, public SnapshotForm {
     Q_OBJECT
 public:
     static constexpr int kTabCount = 24;
@@ -37,8 +38,15 @@ public:
     QString cataloguePath() const override { return cataloguePath_; }
 
     void UpdateListBox(const QString& caption);
-    void prgList_Click();
-    void prgList_DblClick();
+    void prgList_Click() override;
+    void prgList_DblClick() override;
+
+    // Record commands: 0 Add to Favourites, 1 Delete, 2 Edit.
+    void cmdEdit_Click(int index);
+    // Pictures: a left click takes one of the running emulator; a right click on button 0 runs down
+    // the list (button 2 is the right mouse button).
+    void cmdSnapPicture_Click(int index);
+    void cmdSnapPicture_MouseUp(int index, int button);
 
     // The machine option panel.
     void chkOSType_Click(int index);
@@ -51,9 +59,13 @@ public:
     QString windowsVersion() const { return windowsVersion_; }
     int currentTab() const { return currentTab_; }
     QString searchText() const { return searchText_; }
-    QString lastProgramName() const { return lastProgramName_; }
+    QString lastProgramName() const override { return lastProgramName_; }
     // The ProgramCode of the selected row, 0 when none.
-    int selectedProgramCode() const;
+    int selectedProgramCode() const override;
+    QString currentTabCaption() const override;
+    int listIndex() const override;
+    void setListIndex(int index) override;
+    int listCount() const override;
 
     // Controls, by their names.
     QTabBar* CategoryTabs = nullptr;
@@ -118,6 +130,7 @@ private:
     bool osTypeGuard_ = false;
     // Set while UpdateListBox selects its first row.
     bool refillingList_ = false;
+    AutomaticPictureRun pictureRun_;
 };
 
 } // namespace ql
