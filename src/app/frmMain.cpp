@@ -3,12 +3,14 @@
 #include "MachineOptions.h"
 #include "ProgramList.h"
 #include "RecordCommands.h"
+#include "SaveSettings.h"
 #include "SelectionView.h"
 #include "UtilityEntry.h"
 #include "frmEditProgram.h"
 
 #include <QApplication>
 #include <QComboBox>
+#include <QDrag>
 #include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -16,6 +18,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPlainTextEdit>
@@ -24,11 +27,15 @@
 #include <QSignalBlocker>
 #include <QSvgRenderer>
 #include <QTabBar>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace ql {
 
 namespace {
+// A drag carries no data: the dragged row is always the selected one.
+const QString kProgramDrag = QStringLiteral("application/x-quaylight-program");
+
 // 15360 x 11055 twips at 15 twips a pixel.
 constexpr int kFormWidth = 1024;
 constexpr int kFormHeight = 737;
@@ -109,6 +116,7 @@ void frmMain::buildControls() {
     prgList->setEditTriggers(QAbstractItemView::NoEditTriggers);
     prgList->setSelectionMode(QAbstractItemView::SingleSelection);
     prgList->installEventFilter(this);
+    prgList->viewport()->installEventFilter(this); // the mouse, for the drag onto the drives
     connect(prgList->selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this](const QModelIndex& current) {
                 if (!current.isValid()) return;
@@ -129,7 +137,6 @@ void frmMain::buildControls() {
     lblLabel[2] = named(new QLabel(QStringLiteral("Total:"), this), QStringLiteral("lblLabel_2"));
 
     txtName = named(new QLineEdit(QStringLiteral("Star Raiders"), this), QStringLiteral("txtName"));
-    txtName->setReadOnly(true);
     QFont nameFont = txtName->font();
     nameFont.setPointSizeF(nameFont.pointSizeF() * 1.4);
     nameFont.setBold(true);
@@ -137,7 +144,6 @@ void frmMain::buildControls() {
     txtDescription =
         named(new QPlainTextEdit(QStringLiteral("Description"), this), QStringLiteral("txtDescription"));
     txtDescription->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    txtDescription->setReadOnly(true);
     imgProgramImage = named(new QLabel(this), QStringLiteral("imgProgramImage"));
     imgProgramImage->setFixedSize(384, 240);
     imgProgramImage->setAlignment(Qt::AlignCenter);
@@ -253,6 +259,7 @@ void frmMain::buildOptionPanel() {
     cmdOptionSet = named(new QPushButton(QStringLiteral("&Save settings and run this program"), frame8Bit),
                          QStringLiteral("cmdOptionSet"));
     cmdOptionSet->setToolTip(QStringLiteral("Click here BEFORE running program"));
+    connect(cmdOptionSet, &QPushButton::clicked, this, [this] { guarded([&] { cmdOptionSet_Click(); }); });
     cmdSnapPicture[0] = named(new QPushButton(QStringLiteral("&Take Picture"), frame8Bit),
                               QStringLiteral("cmdSnapPicture_0"));
     cmdSnapPicture[0]->setToolTip(QStringLiteral("Snaps a picture of the currently running Atari program"));
@@ -267,6 +274,7 @@ void frmMain::buildOptionPanel() {
                                     QStringLiteral(":/drives/empty.svg"), kDriveSize);
         txtFloppy[i] = named(new QLineEdit(frame8Bit), QStringLiteral("txtFloppy_%1").arg(i));
         txtFloppy[i]->setReadOnly(true);
+        txtFloppy[i]->setProperty("Tag", QString());
         lblFloppyNum[i] =
             named(new QLabel(driveNumbers[i], frame8Bit), QStringLiteral("lblFloppyNum_%1").arg(i));
         if (i >= 2) { // the hidden slots hold data only
@@ -275,6 +283,8 @@ void frmMain::buildOptionPanel() {
             lblFloppyNum[i]->hide();
             continue;
         }
+        imgFloppy[i]->setAcceptDrops(true);
+        imgFloppy[i]->installEventFilter(this);
         drives->addWidget(lblFloppyNum[i], 0, i * 2);
         drives->addWidget(imgFloppy[i], 0, i * 2 + 1);
         drives->addWidget(txtFloppy[i], 1, i * 2, 1, 2);
@@ -456,6 +466,42 @@ void frmMain::prgList_KeyPress(const QString& text) {
 }
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == prgList->viewport()) {
+        const auto* mouse = static_cast<QMouseEvent*>(event);
+        switch (event->type()) {
+        case QEvent::MouseButtonPress:
+            if (mouse->button() == Qt::LeftButton) {
+                dragStart_ = mouse->position().toPoint();
+                prgList_MouseDown();
+            }
+            break;
+        case QEvent::MouseMove:
+            // Past the usual distance, so that a click with a shaky hand stays a click.
+            if ((mouse->buttons() & Qt::LeftButton) &&
+                (mouse->position().toPoint() - dragStart_).manhattanLength() >=
+                    QApplication::startDragDistance())
+                prgList_MouseMove();
+            break;
+        case QEvent::MouseButtonRelease:
+            guarded([&] { prgList_MouseUp(); });
+            break;
+        default:
+            break;
+        }
+    }
+    for (int i = 0; i < 2; ++i) {
+        if (watched != imgFloppy[i]) continue;
+        if (event->type() == QEvent::DragEnter || event->type() == QEvent::DragMove) {
+            auto* drag = static_cast<QDragMoveEvent*>(event);
+            if (drag->mimeData()->hasFormat(kProgramDrag)) drag->acceptProposedAction();
+            return true;
+        }
+        if (event->type() == QEvent::Drop) {
+            static_cast<QDropEvent*>(event)->acceptProposedAction();
+            guarded([&] { imgFloppy_DragDrop(i); });
+            return true;
+        }
+    }
     if (watched == cmdSnapPicture[0] && event->type() == QEvent::MouseButtonRelease &&
         static_cast<QMouseEvent*>(event)->button() == Qt::RightButton) {
         cmdSnapPicture_MouseUp(0, 2);
@@ -491,6 +537,71 @@ void frmMain::setListIndex(int index) {
 
 int frmMain::listCount() const {
     return model_.rowCount();
+}
+
+QString frmMain::floppyTag(int index) const {
+    return txtFloppy[index]->property("Tag").toString();
+}
+
+void frmMain::setFloppy(int index, const DiskSlot& slot) {
+    const QLabel* picture = slot.picture == DiskSlot::Picture::Disk  ? imgLoadDisk
+                            : slot.picture == DiskSlot::Picture::Exe ? imgLoadExe
+                                                                     : imgLoadDiskOff;
+    imgFloppy[index]->setPixmap(picture->pixmap());
+    txtFloppy[index]->setText(slot.text);
+    txtFloppy[index]->setProperty("Tag", slot.tag);
+}
+
+void frmMain::prgList_MouseDown() {
+    dragPending_ = true;
+}
+
+void frmMain::prgList_MouseMove() {
+    if (!dragPending_) return;
+    dragPending_ = false; // one drag per press
+    auto* drag = new QDrag(prgList);
+    auto* data = new QMimeData;
+    data->setData(kProgramDrag, QByteArray());
+    drag->setMimeData(data);
+    drag->setPixmap(imgLoadDisk->pixmap().scaled(48, 28, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+    // A drop anywhere but on a drive is refused, which cancels the drag.
+    drag->exec(Qt::CopyAction);
+}
+
+void frmMain::prgList_MouseUp() {
+    dragPending_ = false;
+    if (listIndex() < 0) return;
+    if (const auto drives = slotsForProgram(cataloguePath_, selectedProgramCode()))
+        for (int i = 0; i < 4; ++i)
+            setFloppy(i, (*drives)[i]);
+}
+
+void frmMain::imgFloppy_DragDrop(int index) {
+    dragPending_ = false;
+    const int code = selectedProgramCode();
+    if (code == 0) return; // nothing was dragged
+    if (const auto slot = slotForDrop(cataloguePath_, code)) setFloppy(index, *slot);
+    // The keys go out once the drag has ended, so the emulator's window can take the focus.
+    const QString path = floppyTag(index);
+    QTimer::singleShot(0, this, [this, path] { attachDiskToEmulator(host_, path); });
+}
+
+void frmMain::cmdOptionSet_Click() {
+    PanelSettings settings;
+    for (int i = 0; i < 3; ++i)
+        if (chkOSType[i]->isChecked()) settings.machineType = i;
+    settings.basic = chkBasic->isChecked();
+    settings.description = txtDescription->toPlainText();
+    settings.name = txtName->text();
+    settings.ntsc = chkNTSC->isChecked();
+    if (cmbRAM->currentIndex() >= 0) settings.memory = cmbRAM->currentData().toInt();
+    settings.artifactIndex = cmbArtifact->currentIndex();
+    settings.stretchIndex = cmbStretch->currentIndex();
+    for (int i = 0; i < 4; ++i)
+        settings.slotTags[i] = floppyTag(i);
+    if (!saveProgramSettings(cataloguePath_, selectedProgramCode(), settings)) return;
+    prgList_Click();
+    prgList_DblClick();
 }
 
 void frmMain::cmdEdit_Click(int index) {

@@ -1,4 +1,5 @@
 #pragma once
+#include "DiskSlots.h"
 #include "Host.h"
 #include "ProgramList.h"
 #include "ProgramListModel.h"
@@ -40,6 +41,19 @@ public:
     void UpdateListBox(const QString& caption);
     void prgList_Click() override;
     void prgList_DblClick() override;
+
+    // Stores the panel, the name, the description and the drive slots in the row, then runs it.
+    void cmdOptionSet_Click();
+
+    // The drive slots: a click in the list loads them, a drag of the selected row onto a drive
+    // fills that drive and hands the disk to a running emulator.
+    void prgList_MouseDown();
+    void prgList_MouseMove();
+    void prgList_MouseUp();
+    void imgFloppy_DragDrop(int index);
+    bool dragPending() const { return dragPending_; }
+    // The full path a slot holds (its Tag).
+    QString floppyTag(int index) const;
 
     // Record commands: 0 Add to Favourites, 1 Delete, 2 Edit.
     void cmdEdit_Click(int index);
@@ -107,6 +121,7 @@ protected:
 
 private:
     void buildControls();
+    void setFloppy(int index, const DiskSlot& slot);
     void buildOptionPanel();
     void buildOtherMachinePanel();
     void txtSearch_Change();
@@ -126,6 +141,7 @@ private:
     QString searchText_;
     QString lastProgramName_;
     bool dragPending_ = false;
+    QPoint dragStart_;
     // Ends the nested clicks that chkOSType_Click causes by setting and clearing the boxes.
     bool osTypeGuard_ = false;
     // Set while UpdateListBox selects its first row.

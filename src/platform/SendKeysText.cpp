@@ -128,4 +128,16 @@ std::vector<KeyStroke> parseSendKeys(const QString& keys) {
     return strokes;
 }
 
+QString SendKeysLiteral(const QString& text) {
+    static const QString special = QStringLiteral("+^%~(){}[]");
+    QString literal;
+    for (const QChar c : text) {
+        if (special.contains(c))
+            literal += QLatin1Char('{') + c + QLatin1Char('}');
+        else
+            literal += c;
+    }
+    return literal;
+}
+
 } // namespace ql

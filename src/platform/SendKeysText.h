@@ -23,4 +23,8 @@ struct KeyStroke {
 // the position, on an unmatched bracket or brace, an unknown key name or a bad count.
 std::vector<KeyStroke> parseSendKeys(const QString& keys);
 
+// The text with every character that means something to SendKeys put in braces, so that it is
+// typed as it stands: a file name such as "Game (Disk 1).atr".
+QString SendKeysLiteral(const QString& text);
+
 } // namespace ql
