@@ -4,7 +4,9 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QMimeData>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QTabBar>
 #include <QTest>
 #include <QToolButton>
@@ -214,4 +216,48 @@ TEST_F(MainFormTest, TabsNamedLaterCanBeReachedAfterTheRefresh) {
     EXPECT_TRUE(scrollable());
     form->CategoryTabs->setCurrentIndex(20);
     EXPECT_EQ(listed(), std::vector<QString>{"Gorf"});
+}
+
+TEST_F(MainFormTest, DrivesSaveAndRunAndRecordCommands) {
+    auto rowCentre = [&](int row) {
+        return form->prgList->visualRect(form->prgList->model()->index(row, 0)).center();
+    };
+    QTest::mouseClick(form->prgList->viewport(), Qt::LeftButton, {}, rowCentre(3)); // Star Raiders
+    EXPECT_EQ(form->txtFloppy[0]->text(), "Star Raiders.atr");
+    EXPECT_EQ(form->floppyTag(2), " ");
+    QTest::keyClick(form->prgList, Qt::Key_Down); // Yars' Revenge, by keyboard: the drives stay
+    EXPECT_EQ(form->txtName->text(), "Yars' Revenge");
+    EXPECT_EQ(form->txtFloppy[0]->text(), "Star Raiders.atr");
+
+    // A drop on drive 2 with no emulator running fills the drive and sends nothing.
+    QMimeData data;
+    data.setData("application/x-quaylight-program", {});
+    QDragEnterEvent enter({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(form->imgFloppy[1], &enter);
+    ASSERT_TRUE(enter.isAccepted());
+    QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(form->imgFloppy[1], &drop);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(form->txtFloppy[1]->text(), "Yars' Revenge.atr");
+    EXPECT_EQ(form->floppyTag(1), "/atari/Yars' Revenge.atr");
+    EXPECT_TRUE(world.fake().keyboard.sent.empty());
+
+    form->txtName->setText("Yars");
+    form->chkNTSC->setChecked(false);
+    QTest::mouseClick(form->cmdOptionSet, Qt::LeftButton);
+    const int code = form->selectedProgramCode();
+    const ProgramRecord saved = *world.open()->programByCode(code);
+    EXPECT_EQ(std::tie(saved.name, saved.video, saved.fileName2, saved.type),
+              std::make_tuple(QString("Yars"), 312, QString("/atari/Yars' Revenge.atr"), 4));
+    ASSERT_EQ(world.fake().processes.started.size(), 1u) << "saved, then run";
+    EXPECT_EQ(form->lastProgramName(), "Yars");
+
+    QTest::mouseClick(form->cmdEdit[0], Qt::LeftButton);
+    EXPECT_EQ(world.open()->programByCode(code)->category, "Favourites");
+    QTest::mouseClick(form->cmdEdit[1], Qt::LeftButton);
+    EXPECT_FALSE(world.open()->programByCode(code));
+    EXPECT_EQ(listed().size(), 6u) << "the row stays listed until the list is built again";
+    EXPECT_EQ(form->lblLabel[2]->text(), "Total: 9");
+    QTest::mouseClick(form->cmdEdit[1], Qt::LeftButton); // the row is gone: nothing happens
+    EXPECT_TRUE(world.fake().dialogs.messages.empty());
 }
