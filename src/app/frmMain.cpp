@@ -628,6 +628,9 @@ void frmMain::prgList_Click() {
     // A picture that will not decode counts as none: the stock picture, never the last program's.
     QPixmap picture;
     if (view->picturePath.isEmpty() || !picture.load(view->picturePath)) picture = imgDefault->pixmap();
+    // A picture taken from the emulator's window is larger than the box: shown whole, not cropped.
+    if (picture.width() > imgProgramImage->width() || picture.height() > imgProgramImage->height())
+        picture = picture.scaled(imgProgramImage->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation);
     imgProgramImage->setPixmap(picture);
 
     for (int i = 3; i < 9; ++i)
