@@ -1,6 +1,8 @@
 #include "frmMain.h"
+#include "FormWidgets.h"
 #include "LaunchPipeline.h"
 #include "MachineOptions.h"
+#include "Panel8Bit.h"
 #include "ProgramList.h"
 #include "RecordCommands.h"
 #include "SaveSettings.h"
@@ -20,12 +22,10 @@
 #include <QListView>
 #include <QMimeData>
 #include <QMouseEvent>
-#include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
 #include <QSignalBlocker>
-#include <QSvgRenderer>
 #include <QTabBar>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -40,40 +40,6 @@ const QString kProgramDrag = QStringLiteral("application/x-quaylight-program");
 constexpr int kFormWidth = 1024;
 constexpr int kFormHeight = 737;
 
-template <typename T> T* named(T* widget, const QString& name) {
-    widget->setObjectName(name);
-    return widget;
-}
-
-// The pictures of the form are drawn as SVG; each is rendered once at the size it is shown.
-QPixmap drawing(const QString& resource, const QSize& size) {
-    QPixmap pixmap(size);
-    pixmap.fill(Qt::transparent);
-    QSvgRenderer renderer(resource);
-    QPainter painter(&pixmap);
-    renderer.render(&painter);
-    return pixmap;
-}
-
-QLabel* pictureLabel(QWidget* parent, const QString& name, const QString& resource, const QSize& size) {
-    auto* label = named(new QLabel(parent), name);
-    label->setPixmap(drawing(resource, size));
-    label->setFixedSize(size);
-    return label;
-}
-
-QPushButton* checkButton(QWidget* parent, const QString& name, const QString& caption) {
-    auto* button = named(new QPushButton(caption, parent), name);
-    button->setCheckable(true);
-    return button;
-}
-
-const QSize kMachineSize(200, 120);
-const QSize kDriveSize(96, 56);
-const char* const kMachinePictures[9] = {
-    ":/machines/atari400.svg",  ":/machines/atari800.svg",  ":/machines/atarixl.svg",
-    ":/machines/atarist.svg",   ":/machines/atari2600.svg", ":/machines/atari5200.svg",
-    ":/machines/atari7800.svg", ":/machines/jaguar.svg",    ":/machines/lynx.svg"};
 } // namespace
 
 } // namespace ql
@@ -174,7 +140,6 @@ void frmMain::buildControls() {
         holder->hide();
     imgProgramImage->setPixmap(imgDefault->pixmap());
 
-    frame8Bit = named(new QFrame(this), QStringLiteral("frame8Bit"));
     frameAtari = named(new QFrame(this), QStringLiteral("frameAtari"));
     buildOptionPanel();
     buildOtherMachinePanel();
@@ -229,111 +194,31 @@ void frmMain::buildControls() {
 }
 
 void frmMain::buildOptionPanel() {
-    auto caption = [this](const QString& name, const QString& text) {
-        return named(new QLabel(text, frame8Bit), name);
-    };
+    panel8Bit_ = new Panel8Bit(this);
+    frame8Bit = panel8Bit_;
+    chkOSType = panel8Bit_->chkOSType;
+    chkBasic = panel8Bit_->chkBasic;
+    chkNTSC = panel8Bit_->chkNTSC;
+    cmbRAM = panel8Bit_->cmbRAM;
+    cmbArtifact = panel8Bit_->cmbArtifact;
+    cmbStretch = panel8Bit_->cmbStretch;
+    cmbResCart = panel8Bit_->cmbResCart;
+    cmdOptionSet = panel8Bit_->cmdOptionSet;
+    cmdSnapPicture[0] = panel8Bit_->cmdSnapPicture;
+    imgFloppy = panel8Bit_->imgFloppy;
+    txtFloppy = panel8Bit_->txtFloppy;
+    lblFloppyNum = panel8Bit_->lblFloppyNum;
     for (int i = 0; i < 3; ++i) {
-        chkOSType[i] = checkButton(frame8Bit, QStringLiteral("chkOSType_%1").arg(i), osTypeCaptions()[i]);
+        picAtari[i] = panel8Bit_->picAtari[i];
         connect(chkOSType[i], &QPushButton::toggled, this, [this, i] { chkOSType_Click(i); });
     }
-    chkBasic = checkButton(frame8Bit, QStringLiteral("chkBasic"), basicCaption(false));
-    connect(chkBasic, &QPushButton::toggled, this, [this] { chkBasic_Click(); });
-    chkNTSC = checkButton(frame8Bit, QStringLiteral("chkNTSC"), videoCaption(true));
-    connect(chkNTSC, &QPushButton::toggled, this, [this] { chkNTSC_Click(); });
-
-    cmbRAM = named(new QComboBox(frame8Bit), QStringLiteral("cmbRAM"));
-    for (const OptionItem& item : ramItems())
-        cmbRAM->addItem(item.text, item.data);
-    cmbArtifact = named(new QComboBox(frame8Bit), QStringLiteral("cmbArtifact"));
-    cmbArtifact->addItems(artifactItems());
-    cmbStretch = named(new QComboBox(frame8Bit), QStringLiteral("cmbStretch"));
-    cmbStretch->addItems(stretchItems());
-    cmbStretch->setPlaceholderText(QStringLiteral("None"));
-    cmbStretch->setCurrentIndex(-1);
-    cmbResCart = named(new QComboBox(frame8Bit), QStringLiteral("cmbResCart"));
-    cmbResCart->setPlaceholderText(QStringLiteral("None"));
-    cmbResCart->setMinimumContentsLength(18);
     // Only the user's choice hands a cartridge over; filling the list must not.
     connect(cmbResCart, &QComboBox::activated, this, [this] { guarded([&] { cmbResCart_Click(); }); });
-
-    cmdOptionSet = named(new QPushButton(QStringLiteral("&Save settings and run this program"), frame8Bit),
-                         QStringLiteral("cmdOptionSet"));
-    cmdOptionSet->setToolTip(QStringLiteral("Click here BEFORE running program"));
     connect(cmdOptionSet, &QPushButton::clicked, this, [this] { guarded([&] { cmdOptionSet_Click(); }); });
-    cmdSnapPicture[0] = named(new QPushButton(QStringLiteral("&Take Picture"), frame8Bit),
-                              QStringLiteral("cmdSnapPicture_0"));
-    cmdSnapPicture[0]->setToolTip(QStringLiteral("Snaps a picture of the currently running Atari program"));
     connect(cmdSnapPicture[0], &QPushButton::clicked, this, [this] { cmdSnapPicture_Click(0); });
     cmdSnapPicture[0]->installEventFilter(this); // the right button starts the run down the list
-
-    const QString driveNumbers[4] = {QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("4"),
-                                     QStringLiteral("3")};
-    auto* drives = new QGridLayout;
-    for (int i = 0; i < 4; ++i) {
-        imgFloppy[i] = pictureLabel(frame8Bit, QStringLiteral("imgFloppy_%1").arg(i),
-                                    QStringLiteral(":/drives/empty.svg"), kDriveSize);
-        txtFloppy[i] = named(new QLineEdit(frame8Bit), QStringLiteral("txtFloppy_%1").arg(i));
-        txtFloppy[i]->setReadOnly(true);
-        txtFloppy[i]->setProperty("Tag", QString());
-        lblFloppyNum[i] =
-            named(new QLabel(driveNumbers[i], frame8Bit), QStringLiteral("lblFloppyNum_%1").arg(i));
-        if (i >= 2) { // the hidden slots hold data only
-            imgFloppy[i]->hide();
-            txtFloppy[i]->hide();
-            lblFloppyNum[i]->hide();
-            continue;
-        }
-        imgFloppy[i]->setAcceptDrops(true);
-        imgFloppy[i]->installEventFilter(this);
-        drives->addWidget(lblFloppyNum[i], 0, i * 2);
-        drives->addWidget(imgFloppy[i], 0, i * 2 + 1);
-        drives->addWidget(txtFloppy[i], 1, i * 2, 1, 2);
-    }
-
-    for (int i = 0; i < 3; ++i) {
-        picAtari[i] = pictureLabel(frame8Bit, QStringLiteral("picAtari_%1").arg(i),
-                                   QString::fromLatin1(kMachinePictures[i]), kMachineSize);
-        picAtari[i]->setVisible(i == 1);
-    }
-
-    auto* options = new QGridLayout;
-    options->addWidget(caption(QStringLiteral("lblOSType"), QStringLiteral("Operating System:")), 0, 0);
-    auto* boxes = new QHBoxLayout;
-    for (auto* box : chkOSType)
-        boxes->addWidget(box);
-    options->addLayout(boxes, 0, 1, 1, 3);
-    const struct {
-        const char* label;
-        const char* text;
-        QWidget* control;
-    } fields[] = {{"lblBasic", "Basic Cart.", chkBasic},
-                  {"lblNTSC", "Video Sys.", chkNTSC},
-                  {"lblRAM", "Memory:", cmbRAM},
-                  {"lblArtifact", "Artifacting:", cmbArtifact},
-                  {"lblStretch", "Stretching:", cmbStretch},
-                  {"lblResCart", "Resident Cartridge:", cmbResCart}};
-    for (int i = 0; i < 6; ++i) {
-        const int row = 1 + i / 2;
-        const int column = (i % 2) * 2;
-        options->addWidget(caption(QString::fromLatin1(fields[i].label), QString::fromLatin1(fields[i].text)),
-                           row, column);
-        options->addWidget(fields[i].control, row, column + 1);
-    }
-    options->addLayout(drives, 4, 0, 1, 4);
-
-    auto* pictures = new QGridLayout;
-    for (int i = 0; i < 3; ++i)
-        pictures->addWidget(picAtari[i], 0, 0, Qt::AlignCenter);
-    auto* side = new QVBoxLayout;
-    side->addLayout(pictures);
-    side->addWidget(cmdOptionSet);
-    side->addWidget(cmdSnapPicture[0]);
-    side->addStretch();
-
-    auto* layout = new QHBoxLayout(frame8Bit);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addLayout(options, 1);
-    layout->addLayout(side);
+    for (int i = 0; i < 2; ++i)
+        imgFloppy[i]->installEventFilter(this); // drops of a dragged program
 }
 
 void frmMain::buildOtherMachinePanel() {
@@ -540,16 +425,14 @@ int frmMain::listCount() const {
 }
 
 QString frmMain::floppyTag(int index) const {
-    return txtFloppy[index]->property("Tag").toString();
+    return panel8Bit_->floppyTag(index);
 }
 
 void frmMain::setFloppy(int index, const DiskSlot& slot) {
     const QLabel* picture = slot.picture == DiskSlot::Picture::Disk  ? imgLoadDisk
                             : slot.picture == DiskSlot::Picture::Exe ? imgLoadExe
                                                                      : imgLoadDiskOff;
-    imgFloppy[index]->setPixmap(picture->pixmap());
-    txtFloppy[index]->setText(slot.text);
-    txtFloppy[index]->setProperty("Tag", slot.tag);
+    panel8Bit_->setFloppy(index, slot.text, slot.tag, picture->pixmap());
 }
 
 void frmMain::prgList_MouseDown() {
@@ -587,18 +470,9 @@ void frmMain::imgFloppy_DragDrop(int index) {
 }
 
 void frmMain::cmdOptionSet_Click() {
-    PanelSettings settings;
-    for (int i = 0; i < 3; ++i)
-        if (chkOSType[i]->isChecked()) settings.machineType = i;
-    settings.basic = chkBasic->isChecked();
+    PanelSettings settings = panel8Bit_->settings();
     settings.description = txtDescription->toPlainText();
     settings.name = txtName->text();
-    settings.ntsc = chkNTSC->isChecked();
-    if (cmbRAM->currentIndex() >= 0) settings.memory = cmbRAM->currentData().toInt();
-    settings.artifactIndex = cmbArtifact->currentIndex();
-    settings.stretchIndex = cmbStretch->currentIndex();
-    for (int i = 0; i < 4; ++i)
-        settings.slotTags[i] = floppyTag(i);
     if (!saveProgramSettings(cataloguePath_, selectedProgramCode(), settings)) return;
     prgList_Click();
     prgList_DblClick();
@@ -640,24 +514,10 @@ void frmMain::prgList_Click() {
         const bool eightBit = *view->family == Family::Atari8Bit;
         frame8Bit->setVisible(eightBit);
         frameAtari->setVisible(!eightBit);
-        if (eightBit && view->osTypeBox) chkOSType[*view->osTypeBox]->setChecked(true);
         if (view->machinePicture >= 3) picAtari[view->machinePicture]->show();
         cmdSnapPicture[1]->setVisible(view->snapPicture1);
     }
-
-    chkBasic->setChecked(view->basic);
-    chkBasic_Click();
-    chkNTSC->setChecked(view->ntsc);
-    chkNTSC_Click();
-    // After the machine box: what the row holds wins over the memory rule of the box.
-    for (int i = 0; i < cmbRAM->count(); ++i) {
-        if (cmbRAM->itemData(i).toInt() == view->memory) {
-            cmbRAM->setCurrentIndex(i);
-            break;
-        }
-    }
-    cmbArtifact->setCurrentIndex(view->artifactIndex);
-    cmbStretch->setCurrentIndex(view->stretchIndex);
+    panel8Bit_->showSettings(*view);
     txtDescription->setPlainText(view->description);
     txtName->setText(view->name);
 }
@@ -674,24 +534,17 @@ void frmMain::prgList_DblClick() {
 }
 
 void frmMain::chkOSType_Click(int index) {
-    if (osTypeGuard_) return;
-    osTypeGuard_ = true;
-    for (QLabel* picture : picAtari)
-        picture->hide();
-    for (QPushButton* box : chkOSType)
-        box->setChecked(false);
-    chkOSType[index]->setChecked(true);
-    picAtari[index]->show();
-    if (const auto row = memoryIndexForMachine(index, cmbRAM->currentText())) cmbRAM->setCurrentIndex(*row);
-    osTypeGuard_ = false;
+    for (int i = 3; i < 9; ++i)
+        picAtari[i]->hide();
+    panel8Bit_->chkOSType_Click(index);
 }
 
 void frmMain::chkBasic_Click() {
-    chkBasic->setText(basicCaption(chkBasic->isChecked()));
+    panel8Bit_->chkBasic_Click();
 }
 
 void frmMain::chkNTSC_Click() {
-    chkNTSC->setText(videoCaption(chkNTSC->isChecked()));
+    panel8Bit_->chkNTSC_Click();
 }
 
 void frmMain::cmbResCart_Click() {

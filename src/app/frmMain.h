@@ -21,6 +21,8 @@ class QTabBar;
 
 namespace ql {
 
+class Panel8Bit;
+
 class frmMain : public QWidget, public MainFormOps, public SnapshotForm {
     Q_OBJECT
 public:
@@ -95,7 +97,7 @@ public:
     QFrame* frame8Bit = nullptr;
     QFrame* frameAtari = nullptr;
 
-    // frame8Bit
+    // frame8Bit, a Panel8Bit: its controls under the form's names
     std::array<QPushButton*, 3> chkOSType{};
     QPushButton* chkBasic = nullptr;
     QPushButton* chkNTSC = nullptr;
@@ -142,8 +144,7 @@ private:
     QString lastProgramName_;
     bool dragPending_ = false;
     QPoint dragStart_;
-    // Ends the nested clicks that chkOSType_Click causes by setting and clearing the boxes.
-    bool osTypeGuard_ = false;
+    Panel8Bit* panel8Bit_ = nullptr;
     // Set while UpdateListBox selects its first row.
     bool refillingList_ = false;
     AutomaticPictureRun pictureRun_;
