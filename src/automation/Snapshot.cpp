@@ -38,13 +38,9 @@ QString picturePath(const QString& atariDir, const SnapshotForm& form) {
 
 // AtariDir from Config with its closing separator, and the folder of the current tab's pictures
 // made when missing (the ProgramImages folder itself is expected to be there).
-QString prepare(SnapshotForm& form) {
-    QString atariDir;
-    {
-        Catalogue catalogue(form.cataloguePath());
-        if (const auto config = catalogue.config()) atariDir = config->atariDir;
-    }
-    atariDir = WithTrailingSeparator(atariDir);
+QString prepare(Catalogue& catalogue, const SnapshotForm& form) {
+    const auto config = catalogue.config();
+    const QString atariDir = WithTrailingSeparator(config ? config->atariDir : QString());
     QDir().mkdir(picturesFolder(atariDir, form)); // errors ignored: the folder is usually there
     return atariDir;
 }
@@ -109,7 +105,10 @@ void startConversion(Host& host, const QString& source, const QString& destinati
 
 void SnapRunningPicture(Host& host, SnapshotForm& form) {
     try {
-        const QString atariDir = prepare(form);
+        const QString atariDir = [&] {
+            Catalogue catalogue(form.cataloguePath());
+            return prepare(catalogue, form);
+        }();
         const QString snapshot = atariDir + kSnapshotFile;
         removeIfThere(host, snapshot);
         snapKeys(host, snapshot);
@@ -125,12 +124,13 @@ void SnapRunningPicture(Host& host, SnapshotForm& form) {
 SnapOutcome SnapProgramPicture(Host& host, SnapshotForm& form, int delaySeconds) {
     try {
         std::optional<ProgramRecord> record;
+        QString atariDir;
         {
             Catalogue catalogue(form.cataloguePath());
             record = catalogue.programByCode(form.selectedProgramCode());
+            if (!record) return SnapOutcome::Continue;
+            atariDir = prepare(catalogue, form);
         }
-        if (!record) return SnapOutcome::Continue;
-        const QString atariDir = prepare(form);
         const QString snapshot = atariDir + kSnapshotFile;
         removeIfThere(host, snapshot);
         removeIfThere(host, atariDir + kPcxFile);
