@@ -1,8 +1,7 @@
 #include "Shell.h"
-#include "StringFuncs.h"
+#include "LinuxHost.h"
 #include "TestWorld.h"
 
-#include "LinuxHost.h"
 #include <QFile>
 #include <QTimer>
 #include <gtest/gtest.h>
@@ -10,18 +9,13 @@
 using namespace ql;
 using namespace ql::test;
 
-TEST(Pause, WaitsPastTheEndWithAtLeastOneReading) {
-    for (double seconds : {0.0, 0.1, 1.0, 5.0}) {
+TEST(Pause, WaitsPastTheEndAndKeepsEventsRunning) {
+    for (double seconds : {0.0, 1.0}) {
         FakeClock clock;
-        const double start = clock.time;
         Pause(clock, seconds);
-        EXPECT_GT(clock.time, start + seconds - 1e-9) << seconds;
-        EXPECT_GE(clock.pumps, 1) << seconds;
-        EXPECT_LT(clock.time, start + seconds + 0.5) << "overshoots " << seconds;
+        EXPECT_GT(clock.time, 1000.0 + seconds) << seconds;
+        EXPECT_LT(clock.time, 1000.0 + seconds + 0.5) << "overshoots " << seconds;
     }
-}
-
-TEST(Pause, RealClockKeepsEventsRunning) {
     LinuxClock clock;
     bool fired = false;
     QTimer::singleShot(0, [&] { fired = true; });
@@ -31,33 +25,29 @@ TEST(Pause, RealClockKeepsEventsRunning) {
     EXPECT_GT(clock.now() - start, 0.05);
 }
 
+// Each step is tried a few times, a second apart, then given up with a message.
 TEST(RunDosCommand, WritesStartsAndRemovesTheScript) {
-    TestWorld world;
-    FakeHost& f = world.fake();
-    const QString command = "cp -- " + ShellQuote("/a/it's.atr") + " " + ShellQuote("/b/");
-    RunDosCommand(f.host(), command);
-    EXPECT_EQ(f.scripts.written.value("rundos.sh"), "#!/bin/sh\n" + command.toUtf8() + "\n\nexit\n");
-    ASSERT_EQ(f.processes.started.size(), 1u);
-    EXPECT_EQ(f.processes.started[0].program, "/bin/sh");
-    EXPECT_EQ(f.processes.started[0].args, QStringList{f.scripts.folder() + "/rundos.sh"});
-    EXPECT_FALSE(QFile::exists(f.scripts.folder() + "/rundos.sh"));
-    EXPECT_GE(f.clock.time, 1001.0) << "gives the command a second";
-}
-
-TEST(RunDosCommand, RetriesThenGivesUpWithAMessage) {
+    const QString command = "cp -- '/a/it'\\''s.atr' /b/";
     struct Case {
-        int writeFailures;
-        int startFailures;
+        int writeFailures, startFailures;
         bool started;
     };
-    for (const Case c : {Case{2, 0, true}, Case{0, 3, true}, Case{100, 0, false}, Case{0, 100, false}}) {
+    for (const Case c : {Case{0, 0, true}, {2, 0, true}, {0, 3, true}, {100, 0, false}, {0, 100, false}}) {
         TestWorld world;
         FakeHost& f = world.fake();
         f.scripts.writeFailuresToGo = c.writeFailures;
         f.processes.failuresToGo = c.startFailures;
-        RunDosCommand(f.host(), "true");
-        EXPECT_EQ(f.processes.started.size(), c.started ? 1u : 0u);
+        RunDosCommand(f.host(), command);
+        SCOPED_TRACE(testing::Message() << "failures: " << c.writeFailures << "/" << c.startFailures);
+        ASSERT_EQ(f.processes.started.size(), c.started ? 1u : 0u);
         EXPECT_EQ(f.dialogs.messages.size(), c.started ? 0u : 1u);
         EXPECT_LT(f.clock.time, 1000.0 + 15) << "bounded";
+        if (!c.started) continue;
+        const QString script = f.scripts.folder() + "/rundos.sh";
+        EXPECT_EQ(f.scripts.written.value("rundos.sh"), "#!/bin/sh\n" + command.toUtf8() + "\n\nexit\n");
+        EXPECT_EQ(f.processes.started[0].args, QStringList{script});
+        EXPECT_EQ(f.processes.started[0].program, "/bin/sh");
+        EXPECT_FALSE(QFile::exists(script));
+        EXPECT_GE(f.clock.time, 1001.0) << "gives the command a second";
     }
 }
