@@ -7,38 +7,34 @@
 using namespace ql;
 using namespace ql::test;
 
-namespace {
-const QString kMissing = "Error! - Cannot locate Atari.mdb - please check the properties of this shortcut";
-const QString kNoLocation = "Fatal Error! - You must supply a location!";
-} // namespace
-
 TEST(Startup, NoCatalogueInTheCurrentFolder) {
     for (const bool folderOfThatName : {false, true}) {
-        SCOPED_TRACE(folderOfThatName);
         TestWorld world;
         ASSERT_TRUE(!folderOfThatName || QDir().mkpath(world.path("Atari.mdb")));
-        FakeHost& f = world.fake();
-        EXPECT_FALSE(startUp(f.host(), world.root()).proceed);
-        EXPECT_EQ(f.dialogs.messages, std::vector<QString>{kMissing});
+        EXPECT_FALSE(startUp(world.fake().host(), world.root()).proceed) << folderOfThatName;
+        EXPECT_EQ(world.fake().dialogs.messages,
+                  std::vector<QString>{
+                      "Error! - Cannot locate Atari.mdb - please check the properties of this shortcut"});
     }
 }
 
+// The answer becomes the Atari folder, with one separator at its end; its drive letter, if it has
+// one, moves every stored drive letter.
 TEST(Startup, FirstRunAnswers) {
-    struct Case {
+    const struct {
         const char* answer;   // nullptr: Cancel
         const char* atariDir; // empty: no start
         char drive;           // of the paths stored afterwards
-    };
-    const Case cases[] = {
+    } cases[] = {
         {nullptr, "", 'D'},
         {"   ", "", 'D'},
         {"E:\\Atari\\", "E:\\Atari\\", 'E'},
-        {"e:\\Elsewhere", "e:\\Elsewhere\\", 'e'},
-        {"  F:\\Atari  ", "F:\\Atari\\", 'F'},
+        {"  f:\\Atari  ", "f:\\Atari\\", 'f'},
         {"/home/user/Atari", "/home/user/Atari/", 'D'},
         {"/home/user/Atari/", "/home/user/Atari/", 'D'},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.answer ? c.answer : "Cancel");
         TestWorld world;
         world.makeCatalogue(false);
         {
@@ -50,23 +46,19 @@ TEST(Startup, FirstRunAnswers) {
         FakeHost& f = world.fake();
         if (c.answer) f.dialogs.inputAnswers.push_back(QString::fromUtf8(c.answer));
         const auto r = startUp(f.host(), world.root());
-        const bool proceeds = *c.atariDir;
-        EXPECT_EQ(r.proceed, proceeds) << c.answer;
+        EXPECT_EQ(r.proceed, *c.atariDir != 0);
         auto cat = world.open();
         const auto config = cat->config();
-        EXPECT_EQ(config.has_value(), proceeds) << c.answer;
-        if (config) {
-            EXPECT_EQ(config->atariDir, QString::fromUtf8(c.atariDir)) << c.answer;
-            EXPECT_EQ(config->windowsVersion, "XP");
+        EXPECT_EQ(config ? config->atariDir : "", QString::fromUtf8(c.atariDir));
+        if (r.proceed) {
             EXPECT_EQ(r.atariDir, QString::fromUtf8(c.atariDir));
             EXPECT_TRUE(f.dialogs.messages.empty());
         } else {
-            EXPECT_EQ(f.dialogs.messages, std::vector<QString>{kNoLocation});
+            EXPECT_EQ(f.dialogs.messages, std::vector<QString>{"Fatal Error! - You must supply a location!"});
         }
-        EXPECT_EQ(cat->programsByTabNumber(0)[1].fileName1, "/home/u/b.atr") << "no drive, no change";
-        EXPECT_EQ(cat->programsByTabNumber(0)[0].fileName1, c.drive + QString(":\\Atari\\Games\\a.atr"))
-            << c.answer;
-        EXPECT_EQ(cat->cartridges()[0].cartPath, c.drive + QString(":\\Atari\\c.rom")) << c.answer;
+        const auto rows = cat->programsByTabNumber(0);
+        EXPECT_EQ(rows[0].fileName1 + " " + rows[1].fileName1 + " " + cat->cartridges()[0].cartPath,
+                  c.drive + QString(":\\Atari\\Games\\a.atr /home/u/b.atr ") + c.drive + ":\\Atari\\c.rom");
     }
 }
 
@@ -75,10 +67,8 @@ TEST(Startup, CancelAsksAgainNextTimeAndASecondStartAsksNothing) {
     world.makeCatalogue(false);
     FakeHost& f = world.fake();
     EXPECT_FALSE(startUp(f.host(), world.root()).proceed);
-    EXPECT_EQ(f.dialogs.prompts.size(), 1u);
     f.dialogs.inputAnswers.push_back("/srv/atari");
     EXPECT_TRUE(startUp(f.host(), world.root()).proceed);
-    EXPECT_EQ(f.dialogs.prompts.size(), 2u);
     EXPECT_EQ(startUp(f.host(), world.root()).atariDir, "/srv/atari/");
     EXPECT_EQ(f.dialogs.prompts.size(), 2u);
 }

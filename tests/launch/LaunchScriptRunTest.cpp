@@ -14,16 +14,14 @@ using namespace ql::test;
 
 namespace {
 
-const char* const kHostile[] = {
-    "$(touch PWNED1)",
-    "`touch PWNED2`",
-    "quote' ; touch PWNED3 ; '",
-    "dq\" ; touch PWNED4 ; \"",
-    "semi; touch PWNED5",
-    "new\nline; touch PWNED6",
-    "-rf --help",
-    "back\\slash $HOME & touch PWNED7 |",
-};
+const char* const kHostile[] = {"$(touch PWNED1)",
+                                "`touch PWNED2`",
+                                "quote' ; touch PWNED3 ; '",
+                                "dq\" ; touch PWNED4 ; \"",
+                                "semi; touch PWNED5",
+                                "new\nline; touch PWNED6",
+                                "-rf --help",
+                                "back\\slash $HOME & touch PWNED7 |"};
 
 class LaunchScriptRun : public ::testing::Test {
 protected:
@@ -41,8 +39,9 @@ protected:
         QDir().mkpath(atariDir);
     }
 
-    // Runs the script as the launch would, and waits (bounded) for sh to end.
+    // Runs the script as the launch would, on a fresh log, and waits (bounded) for sh to end.
     void run(const ProgramRecord& record, const QString& version = "XP") {
+        QFile::remove(log);
         const QString script =
             world.writeFile("state/AtariRun.sh",
                             launchScriptText(launchScriptLines(record, atariDir, version, associations)));
@@ -77,77 +76,61 @@ protected:
 
 } // namespace
 
-TEST_F(LaunchScriptRun, HostileFileNamesReachTheEmulatorAsPlainText) {
-    for (const char* hostile : kHostile) {
-        const QString name = QString::fromUtf8(hostile);
-        QFile::remove(log);
-        const QString file = world.writeFile("Games/" + name + ".atr");
-        run(program("Games", name, file));
-        EXPECT_EQ(logged(), QStringList{file}) << hostile;
-    }
-    EXPECT_EQ(sideEffects(), QStringList{});
-}
-
 // Association tables copied from desktop files often quote the file themselves.
-TEST_F(LaunchScriptRun, HostileNamesThroughCommandsThatQuoteTheFile) {
+TEST_F(LaunchScriptRun, HostileFileNamesReachTheEmulatorAsPlainText) {
     const QString emu = ShellQuote(emulator);
     const struct {
         QString command;
-        QString (*expected)(const QString& file);
+        const char* logged; // the arguments joined by '|', '@' for the file
     } commands[] = {
-        {emu + " \"%f\"", [](const QString& f) { return f; }},
-        {emu + " '%f'", [](const QString& f) { return f; }},
-        {emu + " --disk=\"%f\"", [](const QString& f) { return "--disk=" + f; }},
-        {emu + " 'x %f y'", [](const QString& f) { return "x " + f + " y"; }},
-        {emu + " \"it\\\"s %f\"", [](const QString& f) { return "it\"s " + f; }},
-        {emu + " %f \"%f\"", [](const QString& f) { return f; }},
+        {emu + " %f", "@"},
+        {emu + " --disk=\"%f\"", "--disk=@"},
+        {emu + " 'x %f y'", "x @ y"},
+        {emu + " \"it\\\"s %f\"", "it\"s @"},
+        {emu + " %f \"%f\"", "@|@"},
         // A second shell, given the file as its argument as the README advises.
-        {"sh -c 'cd / && exec \"" + emulator + "\" \"$1\"' sh %f", [](const QString& f) { return f; }},
+        {"sh -c 'cd / && exec \"" + emulator + "\" \"$1\"' sh %f", "@"},
     };
     for (const auto& command : commands) {
         associations.extensions = {{"atr", command.command}};
         for (const char* hostile : kHostile) {
             const QString name = QString::fromUtf8(hostile);
-            QFile::remove(log);
             const QString file = world.writeFile("Games/" + name + ".atr");
             run(program("Games", name, file));
-            QStringList expected{command.expected(file)};
-            if (command.command.endsWith("%f \"%f\"")) expected << file;
+            QStringList expected;
+            for (QString arg : QString(command.logged).split('|'))
+                expected << arg.replace("@", file);
             EXPECT_EQ(logged(), expected) << command.command.toStdString() << " with " << hostile;
         }
     }
     EXPECT_EQ(sideEffects(), QStringList{});
 }
 
-TEST_F(LaunchScriptRun, HostileNameStandingInForTheFile) {
-    const QString file = world.writeFile("Games/plain.atr");
-    run(program("Games", "x$(touch PWNED8)';touch PWNED9;'", file));
-    EXPECT_EQ(logged(), QStringList{world.path("Games/x$(touch PWNED8)';touch PWNED9;'.atr")});
-    EXPECT_EQ(sideEffects(), QStringList{});
-}
-
-TEST_F(LaunchScriptRun, FiveThousandTwoHundredImageIsCopiedAndOpened) {
-    const QString file = world.writeFile("5200/$(touch PWNED1) 'x'.a52", "cartridge bytes");
-    run(program("5200", "Demo", file));
+TEST_F(LaunchScriptRun, EveryFormKeepsHostileTextPlain) {
+    const QString plain = world.writeFile("Games/plain.atr");
+    const QString listing = world.writeFile("Basic/`touch PWNED2`.lst", "10 PRINT\n");
+    const QString image = world.writeFile("5200/$(touch PWNED1) 'x'.a52", "cartridge bytes");
+    const QString background = world.writeFile("Games/$(touch PWNED3).atr");
+    const QString standIn = "x$(touch PWNED8)';touch PWNED9;'";
+    const struct {
+        ProgramRecord record;
+        const char* version;
+        QStringList logged;
+    } cases[] = {
+        // The Name stands in for a base name that is not in the path.
+        {program("Games", standIn, plain), "XP", {world.path("Games/" + standIn + ".atr")}},
+        {program("BASIC", "Demo", listing), "XP", {"-windowed", listing}},
+        {program("5200", "Demo", image), "XP", {"run5200.bin"}},
+        {program("Games", "$(touch PWNED3)", background), "98", {background}},
+    };
+    for (const auto& c : cases) {
+        run(c.record, c.version);
+        // sh has ended; in the "98" form the emulator may still be on its way. Wait, within a bound.
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !logged().isEmpty(); }, 5000));
+        EXPECT_EQ(logged(), c.logged) << c.record.fileName1.toStdString();
+    }
     QFile copy(atariDir + "run5200.bin");
     ASSERT_TRUE(copy.open(QIODevice::ReadOnly));
     EXPECT_EQ(copy.readAll(), "cartridge bytes");
-    EXPECT_EQ(logged(), QStringList{"run5200.bin"});
-    EXPECT_EQ(sideEffects(), QStringList{});
-}
-
-TEST_F(LaunchScriptRun, BasicListingRunsTheNamedEmulatorWindowed) {
-    const QString file = world.writeFile("Basic/`touch PWNED2`.lst", "10 PRINT\n");
-    run(program("BASIC", "Demo", file));
-    EXPECT_EQ(logged(), (QStringList{"-windowed", file}));
-    EXPECT_EQ(sideEffects(), QStringList{});
-}
-
-TEST_F(LaunchScriptRun, NinetyEightFormRunsInTheBackground) {
-    const QString file = world.writeFile("Games/$(touch PWNED3).atr");
-    run(program("Games", "$(touch PWNED3)", file), "98");
-    // sh has ended; the emulator may still be on its way. Wait for it, within a bound.
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !logged().isEmpty(); }, 5000));
-    EXPECT_EQ(logged(), QStringList{file});
     EXPECT_EQ(sideEffects(), QStringList{});
 }

@@ -42,14 +42,6 @@ QImage screenshot() {
     return image;
 }
 
-QByteArray png(const QImage& image) {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
-    return bytes;
-}
-
 // A PCX as the emulators write it: version 5, RLE, 8 bits a plane; one plane with a 256-colour
 // palette at the end, or three planes of red, green and blue.
 QByteArray pcx(const QImage& image, bool palettised) {
@@ -84,85 +76,68 @@ const QString kFolder = QStringLiteral("shots 'n' \"snaps\" ünï/");
 
 } // namespace
 
-TEST(ConverterTest, ScreenshotsBecomeJpegsOfTheSamePicture) {
+// A screenshot becomes a JPEG of the same picture, whatever its name says; any failure leaves the
+// destination as it was (absent, or an older file with every byte kept) and says why in one line.
+TEST(ConverterTest, ScreenshotsBecomeJpegsAndFailuresLeaveTheDestinationAlone) {
     TestWorld world;
     const QImage shot = screenshot();
-    const struct {
-        const char* file;
-        QByteArray bytes;
-    } cases[] = {
-        {"Pac Man's.png", png(shot)},
-        {"Pac Man's 8-bit.pcx", pcx(shot, true)},
-        {"Pac Man's 24-bit.pcx", pcx(shot, false)},
-        {"PCX named.png", pcx(shot, true)},
-    };
-    for (const auto& [file, bytes] : cases) {
-        SCOPED_TRACE(file);
-        const QString src = world.writeFile(kFolder + file, bytes);
-        const QString dst = world.writeFile(kFolder + file + " out.jpg", "an older picture");
-        const Outcome run = convert({src, "/convert=" + dst});
-        ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
-        QImageReader reader(dst);
-        EXPECT_EQ(reader.format(), "jpeg");
-        const QImage out = reader.read();
-        ASSERT_EQ(out.size(), shot.size());
-        for (int i = 0; i < 4; ++i) {
-            const QRgb want = kQuarters[i], got = out.pixel(16 + 32 * (i % 2), 12 + 24 * (i / 2));
-            EXPECT_LE(std::max({std::abs(qRed(got) - qRed(want)), std::abs(qGreen(got) - qGreen(want)),
-                                std::abs(qBlue(got) - qBlue(want))}),
-                      16)
-                << "quarter " << i;
-        }
-    }
-}
-
-// Any failure leaves the destination as it was: absent, or an older file with every byte kept.
-TEST(ConverterTest, BadInputsFailWithOneLineAndLeaveTheDestinationAlone) {
-    TestWorld world;
-    const QImage shot = screenshot();
-    const QByteArray good = png(shot), pcx8 = pcx(shot, true), pcx24 = pcx(shot, false);
-    const struct {
-        const char* file;
-        QByteArray bytes; // null: no such file
-        int exitCode;
-        QStringList args = {"SRC", "/convert=DST"};
-        const char* dstFolder = "";
-    } cases[] = {
-        {"missing.png", {}, 1},
-        {"empty.png", QByteArray(""), 1},
-        {"words.png", "not a picture at all\n", 1},
-        {"half.png", good.left(good.size() / 2), 1},
-        {"half 8-bit.pcx", pcx8.left(pcx8.size() / 2), 1},
-        {"short palette.pcx", pcx8.chopped(100), 1},
-        {"half 24-bit.pcx", pcx24.left(pcx24.size() / 2), 1},
-        {"good.png", good, 1, {"SRC", "/convert=DST"}, "no such folder/"},
-        {"good.png", good, 2, {"SRC"}},
+    const QByteArray pcx8 = pcx(shot, true), pcx24 = pcx(shot, false);
+    QByteArray good;
+    QBuffer buffer(&good);
+    ASSERT_TRUE(shot.save(&buffer, "PNG"));
+    const QStringList usual{"SRC", "/convert=DST"};
+    // Source file, its bytes (null: no such file), exit code, arguments.
+    const std::tuple<const char*, QByteArray, int, QStringList> cases[] = {
+        {"Pac Man's.png", good, 0, usual},
+        {"Pac Man's 24-bit.pcx", pcx24, 0, usual},
+        {"8-bit PCX named.png", pcx8, 0, usual},
+        {"missing.png", {}, 1, usual},
+        {"empty.png", QByteArray(""), 1, usual},
+        {"words.png", "not a picture at all\n", 1, usual},
+        {"half.png", good.left(good.size() / 2), 1, usual},
+        {"half 8-bit.pcx", pcx8.left(pcx8.size() / 2), 1, usual},
+        {"short palette.pcx", pcx8.chopped(100), 1, usual},
+        {"half 24-bit.pcx", pcx24.left(pcx24.size() / 2), 1, usual},
+        {"good.png", good, 1, {"SRC", "/convert=NOWHERE"}},
         {"good.png", good, 2, {"SRC", "DST"}},
         {"good.png", good, 2, {"SRC", "/convert="}},
-        {"good.png", good, 2, {"SRC", "/convert=DST", "/silent"}},
-    };
+        {"good.png", good, 2, {"SRC", "/convert=DST", "/silent"}}};
     int n = 0;
-    for (const auto& c : cases)
+    for (const auto& [file, bytes, exitCode, arguments] : cases)
         for (const bool existing : {false, true}) {
-            const QString folder = kFolder + QString::number(n++) + "/";
-            SCOPED_TRACE(QString(folder + c.file + (existing ? " over an older file" : "")).toStdString());
-            const QString src =
-                c.bytes.isNull() ? world.path(folder + c.file) : world.writeFile(folder + c.file, c.bytes);
-            const QString dst = world.path(folder + c.dstFolder + "it's out.jpg");
-            if (existing && !*c.dstFolder) world.writeFile(folder + "it's out.jpg", "an older picture");
-            const QStringList before =
-                QDir(world.path(folder)).entryList(QDir::NoDotAndDotDot | QDir::AllEntries);
+            const QString dir = kFolder + QString::number(n++) + "/", dst = world.path(dir + "it's out.jpg");
+            SCOPED_TRACE(QString(dir + file + (existing ? " over an older file" : "")).toStdString());
+            const QString src = bytes.isNull() ? world.path(dir + file) : world.writeFile(dir + file, bytes);
+            if (existing) world.writeFile(dir + "it's out.jpg", "an older picture");
+            const uint entries = QDir(world.path(dir)).count();
             const QByteArray old = contents(dst);
 
-            QStringList args = c.args;
-            args.replaceInStrings("SRC", src).replaceInStrings("DST", dst);
+            QStringList args = arguments;
+            const QString nowhere = world.path(dir + "no/it's out.jpg");
+            args.replaceInStrings("SRC", src)
+                .replaceInStrings("DST", dst)
+                .replaceInStrings("NOWHERE", nowhere);
             const Outcome run = convert(args);
-            EXPECT_EQ(run.exitCode, c.exitCode);
-            EXPECT_EQ(run.err.count('\n'), 1) << run.err.toStdString();
-            EXPECT_TRUE(run.err.endsWith('\n'));
-            const QString named = c.exitCode == 2 ? "usage" : *c.dstFolder ? dst : src;
-            EXPECT_TRUE(run.err.contains(named)) << run.err.toStdString();
-            EXPECT_EQ(QDir(world.path(folder)).entryList(QDir::NoDotAndDotDot | QDir::AllEntries), before);
+            ASSERT_EQ(run.exitCode, exitCode) << run.err.toStdString();
+            if (exitCode == 0) {
+                QImageReader reader(dst);
+                EXPECT_EQ(reader.format(), "jpeg");
+                const QImage out = reader.read();
+                ASSERT_EQ(out.size(), shot.size());
+                for (int i = 0; i < 4; ++i) {
+                    const QRgb want = kQuarters[i], got = out.pixel(16 + 32 * (i % 2), 12 + 24 * (i / 2));
+                    EXPECT_LE(
+                        std::max({std::abs(qRed(got) - qRed(want)), std::abs(qGreen(got) - qGreen(want)),
+                                  std::abs(qBlue(got) - qBlue(want))}),
+                        16)
+                        << "quarter " << i;
+                }
+                continue;
+            }
+            const QString named = exitCode == 2 ? "usage" : arguments[1].contains("NOWHERE") ? nowhere : src;
+            EXPECT_TRUE(run.err.count('\n') == 1 && run.err.endsWith('\n') && run.err.contains(named))
+                << run.err.toStdString();
+            EXPECT_EQ(QDir(world.path(dir)).count(), entries) << "no file left behind";
             EXPECT_EQ(contents(dst), old);
         }
 }
