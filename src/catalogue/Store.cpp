@@ -309,6 +309,14 @@ std::vector<ProgramRecord> Catalogue::programsByTabNumberAndCrc(int tabNumber, c
     return rows;
 }
 
+std::vector<QString> Catalogue::crcsByTabNumber(int tabNumber) {
+    std::vector<QString> crcs;
+    QSqlQuery q = run(QStringLiteral("SELECT CRC FROM Programs WHERE TabNumber = ?"), {tabNumber});
+    while (q.next())
+        crcs.push_back(str(q.value(0)));
+    return crcs;
+}
+
 int Catalogue::countCategory(const QString& category) {
     QSqlQuery q = run(QStringLiteral("SELECT Count(ProgramCode) AS tCount FROM Programs WHERE Category = ?"),
                       {category});

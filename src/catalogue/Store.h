@@ -108,6 +108,8 @@ public:
                            const std::function<bool(const RawListRow&)>& row);
     std::vector<ProgramRecord> programsByTabNumber(int tabNumber);
     std::vector<ProgramRecord> programsByTabNumberAndCrc(int tabNumber, const QString& crc);
+    // The CRC texts of a tab's rows, read from the index alone.
+    std::vector<QString> crcsByTabNumber(int tabNumber);
     int countCategory(const QString& category);
     int countPrograms();
     void deleteProgram(int code);
