@@ -1,4 +1,6 @@
 #include "frmUtility.h"
+#include "FolderToolPages.h"
+#include "Store.h"
 #include "StringFuncs.h"
 
 #include <QCheckBox>
@@ -52,8 +54,13 @@ frmUtility::frmUtility(Host& host, MainFormOps& mainForm, FileDialogs& fileDialo
 void frmUtility::buildControls() {
     tabUtility = named(new QTabWidget(this), QStringLiteral("tabUtility"));
     tabUtility->addTab(buildTabManagementPage(), QStringLiteral("Tab Management"));
-    tabUtility->addTab(named(new QWidget, QStringLiteral("pageFindUnique")), QStringLiteral("Find Unqiue"));
-    tabUtility->addTab(named(new QWidget, QStringLiteral("pageAdvanced")), QStringLiteral("Advanced"));
+    const auto cataloguePath = [this] { return mainForm_.cataloguePath(); };
+    findUniquePage = new pageFindUnique(host_, cataloguePath);
+    advancedPage = new pageAdvanced(host_, cataloguePath);
+    for (ToolPage* page : std::initializer_list<ToolPage*>{findUniquePage, advancedPage})
+        page->onRunning = [this, page](bool on) { setRebuilding(on, page); };
+    tabUtility->addTab(findUniquePage, QStringLiteral("Find Unqiue"));
+    tabUtility->addTab(advancedPage, QStringLiteral("Advanced"));
 
     cmdClose = named(new QPushButton(QStringLiteral("&Close"), this), QStringLiteral("cmdClose"));
     connect(cmdClose, &QPushButton::clicked, this, [this] { cmdClose_Click(); });
@@ -146,6 +153,15 @@ void frmUtility::guarded(const std::function<void()>& handler) {
 
 void frmUtility::Form_Load() {
     loadTabMgmt();
+    // The folder tools' default folders lie under AtariDir; they are not saved.
+    QString atariDir;
+    guarded([&] {
+        Catalogue catalogue(mainForm_.cataloguePath());
+        if (const auto config = catalogue.config()) atariDir = config->atariDir;
+    });
+    atariDir = WithTrailingSeparator(atariDir.trimmed());
+    findUniquePage->setDefaults(atariDir);
+    advancedPage->setDefaults(atariDir);
 }
 
 TabRows frmUtility::rowsOnForm() const {
@@ -271,8 +287,10 @@ void frmUtility::showProgress(const RebuildProgress& p) {
 
 // While a rebuild holds the catalogue, the rows it works from stay as they were chosen, and
 // nothing on the form can start a second write that would wait on the first.
-void frmUtility::setRebuilding(bool on) {
+void frmUtility::setRebuilding(bool on, QWidget* running) {
     rebuilding_ = on;
+    for (QWidget* page : std::initializer_list<QWidget*>{findUniquePage, advancedPage})
+        if (page != running) page->setEnabled(!on);
     for (int i = 0; i < kFormRows; ++i) {
         chkSelected[i]->setEnabled(!on);
         txtTabName[i]->setReadOnly(on);

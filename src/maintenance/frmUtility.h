@@ -18,6 +18,11 @@ class QPushButton;
 class QTabWidget;
 
 namespace ql {
+class pageFindUnique;
+class pageAdvanced;
+} // namespace ql
+
+namespace ql {
 
 // The maintenance form: the tabs' names and folders, and the rebuild.
 class frmUtility : public QDialog {
@@ -48,6 +53,8 @@ public:
     QCheckBox* chkRebuildEverything = nullptr;
     QProgressBar* prgRebuild = nullptr;
     QLabel* lblRebuildProgress = nullptr;
+    pageFindUnique* findUniquePage = nullptr;
+    pageAdvanced* advancedPage = nullptr;
 
 public slots:
     void reject() override;
@@ -63,7 +70,8 @@ private:
     void colourRow(int row, const QColor& colour);
     void resetRowColour(int row);
     void showProgress(const RebuildProgress& progress);
-    void setRebuilding(bool on);
+    // Locks the form while a rebuild or a folder tool runs; the page that runs keeps its Stop.
+    void setRebuilding(bool on, QWidget* running = nullptr);
     TabRows rowsOnForm() const;
     // Runs a handler; a failure of the catalogue or the disk is told to the user, never fatal.
     void guarded(const std::function<void()>& handler);

@@ -1,5 +1,6 @@
 // quaylight-cli: the command-line companion. Builds catalogues without a display.
 #include "DemoCollection.h"
+#include "FolderCommands.h"
 #include "LinuxHost.h"
 #include "Rebuild.h"
 #include "Startup.h"
@@ -23,6 +24,7 @@ int usage() {
         "                                     folders: by default every tab with a folder (N is the tab's\n"
         "                                     row, 0 to 23), the resident cartridges and Everything\n",
         stderr);
+    std::fputs(ql::kFolderCommandsUsage, stderr);
     return 2;
 }
 
@@ -92,6 +94,12 @@ int rebuild(const QString& folder, const QStringList& args) {
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     const QStringList args = QCoreApplication::arguments().mid(1);
+    try {
+        if (const int code = ql::folderCommand(args); code >= 0) return code == 2 ? usage() : code;
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "quaylight-cli: %s\n", e.what());
+        return 1;
+    }
     if (args.size() < 2) return usage();
     const QString& command = args[0];
     const QString folder = QDir(args[1]).absolutePath();
