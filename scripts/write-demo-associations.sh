@@ -7,8 +7,10 @@ set -eu
 build=$(cd -- "$1" && pwd)
 emulator="$build/tools/emulator/quaylight-emu"
 converter="$build/tools/convert/quaylight-convert"
+arcx="$build/tools/arcx/arcx"
 [ -x "$emulator" ] || { echo "no emulator stand-in at $emulator" >&2; exit 1; }
 [ -x "$converter" ] || { echo "no picture converter at $converter" >&2; exit 1; }
+[ -x "$arcx" ] || { echo "no arcx at $arcx" >&2; exit 1; }
 
 config="${XDG_CONFIG_HOME:-$HOME/.config}"
 case "$config" in /*) ;; *) config="$HOME/.config" ;; esac
@@ -29,6 +31,7 @@ tmp="$table.tmp.$$"
     echo "[Programs]"
     echo "Atari800=$quoted"
     echo "IrfanView=$(quote "$converter")"
+    echo "arcx=$(quote "$arcx")"
 } >"$tmp"
 mv -f -- "$tmp" "$table"
 echo "$table"

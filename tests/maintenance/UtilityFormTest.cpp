@@ -1,7 +1,10 @@
+#include "Crc32.h"
+#include "FolderToolPages.h"
 #include "TestWorld.h"
 #include "frmUtility.h"
 
 #include <QCheckBox>
+#include <QDir>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -193,4 +196,37 @@ TEST_F(UtilityFormTest, RebuildFollowsTheRowsAndIgnoresClicksMeanwhile) {
     EXPECT_EQ(world.open()->countCategory("Typed, not saved"), 1);
     EXPECT_EQ(state(), idle);
     EXPECT_EQ(mainForm.calls, refreshed + refreshed);
+}
+
+TEST_F(UtilityFormTest, FolderToolPagesRunAndRemoveOnlyAfterYes) {
+    form->Form_Load();
+    const QString dir = world.root() + "/";
+    EXPECT_EQ(form->findUniquePage->txtSourceDir->text(), dir + "__NEW/");
+    EXPECT_EQ(form->advancedPage->Text1->text(), dir + "__NEW2/");
+    EXPECT_FALSE(form->advancedPage->cmdRename->isEnabled());
+
+    // Find new: the one file the Everything rows lack is copied, with the name's brackets gone.
+    world.writeFile("__NEW/Known.atr", "known");
+    world.writeFile("__NEW/New (1).atr", "new");
+    ProgramRecord known = program(kEverything, "Known", dir + "Known.atr");
+    known.tabNumber = kEverythingTabNumber;
+    known.crc = QString::number(cCRC32().GetByteArrayCrc32("known"));
+    world.open()->addProgram(known);
+    QDir().mkpath(dir + "_Unique");
+    QTest::mouseClick(form->findUniquePage->cmdFindNewFiles, Qt::LeftButton);
+    EXPECT_EQ(QDir(dir + "_Unique").entryList(QDir::Files), QStringList{"New 1.atr"});
+    EXPECT_EQ(messages().back(), "Operation Complete!");
+    EXPECT_TRUE(form->findUniquePage->lblToolProgress->text().contains("1 copied"));
+
+    // Remove duplicates: the list is shown first, and No deletes nothing.
+    world.writeFile("__NEW2/a.atr", "same");
+    world.writeFile("__NEW2/longer folder/a copy.atr", "same");
+    for (bool yes : {false, true}) {
+        world.fake().dialogs.yesNoAnswers = {yes};
+        QTest::mouseClick(form->advancedPage->Command1, Qt::LeftButton);
+        EXPECT_TRUE(world.fake().dialogs.prompts.back().contains(dir + "__NEW2/a.atr"));
+        EXPECT_EQ(QFile::exists(dir + "__NEW2/a.atr"), !yes);
+    }
+    EXPECT_TRUE(QFile::exists(dir + "__NEW2/longer folder/a copy.atr"));
+    EXPECT_TRUE(form->cmdClose->isEnabled() && form->findUniquePage->isEnabled());
 }

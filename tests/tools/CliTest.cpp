@@ -1,6 +1,7 @@
 #include "Store.h"
 #include "TestWorld.h"
 
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <gtest/gtest.h>
@@ -20,6 +21,7 @@ CliRun runCli(const TestWorld& world, const QStringList& args) {
     QProcess process;
     process.setWorkingDirectory(world.root());
     process.start(QStringLiteral(QUAYLIGHT_CLI), args);
+    process.closeWriteChannel(); // no answer to a question
     const bool ended = process.waitForFinished(60000);
     if (!ended) process.kill(), process.waitForFinished(5000);
     return {ended && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
@@ -123,4 +125,37 @@ TEST(CliTest, RebuildTakesTheSavedTabsItIsAskedFor) {
                   expected)
             << options.join(' ').toStdString();
     }
+}
+
+// The folder tools from the shell: one summary line, the form's closing words, and a removal that
+// asks first (no answer on a closed input means no).
+TEST(Cli, FolderTools) {
+    TestWorld world;
+    world.makeCatalogue();
+    world.writeFile("in/(Demo).xex", "demo");
+    world.writeFile("in/deep/twin.atr", "same");
+    world.writeFile("in/twin.atr", "same");
+    QDir().mkpath(world.path("out"));
+    const struct {
+        QStringList args;
+        int exit;
+        const char* out;
+    } cases[] = {
+        {{"find-new", "in", "out"}, 0, "find-new: 3 files looked at, 3 copied, 1 renamed"},
+        {{"duplicates", "--remove", "in", "in"},
+         0,
+         "duplicates: 3 files looked at, 0 copied, 0 renamed, 0 unpacked, 0 deleted"},
+        {{"duplicates", "--remove", "in", "in", "--yes"}, 0, "1 deleted"},
+        {{"rename", "in"}, 0, "rename: 2 files looked at"},
+        {{"tree", "in"}, 0, "deep\ntree: 1 folders"},
+        {{"find-new", "in"}, 2, ""},
+        {{"find-new", "in", "out", "--catalogue=missing.mdb"}, 1, ""},
+    };
+    for (const auto& c : cases) {
+        const CliRun run = runCli(world, c.args);
+        EXPECT_EQ(run.exitCode, c.exit) << c.args.join(' ').toStdString() << run.err.toStdString();
+        EXPECT_TRUE(run.out.contains(c.out)) << run.out.toStdString();
+    }
+    EXPECT_FALSE(QFile::exists(world.path("in/twin.atr")));
+    EXPECT_TRUE(QFile::exists(world.path("in/deep/twin.atr")));
 }
