@@ -144,16 +144,16 @@ void frmMain::buildControls() {
     buildOptionPanel();
     buildOtherMachinePanel();
     // The two panels share one place; the form keeps its layout whichever is on show.
-    for (QFrame* panel : {frame8Bit, frameAtari}) {
+    for (QFrame* panel : std::initializer_list<QFrame*>{frame8Bit, frameAtari}) {
         QSizePolicy policy = panel->sizePolicy();
         policy.setRetainSizeWhenHidden(true);
         panel->setSizePolicy(policy);
     }
     frameAtari->hide();
     // The design state, shown until the first selection.
-    chkOSType[1]->setChecked(true);
-    chkNTSC->setChecked(true);
-    cmbRAM->setCurrentIndex(4); // "48 K"
+    frame8Bit->chkOSType[1]->setChecked(true);
+    frame8Bit->chkNTSC->setChecked(true);
+    frame8Bit->cmbRAM->setCurrentIndex(4); // "48 K"
 
     // Left: filter, list and counters. Right: the selected program and its panel.
     auto* left = new QVBoxLayout;
@@ -194,31 +194,21 @@ void frmMain::buildControls() {
 }
 
 void frmMain::buildOptionPanel() {
-    panel8Bit_ = new Panel8Bit(this);
-    frame8Bit = panel8Bit_;
-    chkOSType = panel8Bit_->chkOSType;
-    chkBasic = panel8Bit_->chkBasic;
-    chkNTSC = panel8Bit_->chkNTSC;
-    cmbRAM = panel8Bit_->cmbRAM;
-    cmbArtifact = panel8Bit_->cmbArtifact;
-    cmbStretch = panel8Bit_->cmbStretch;
-    cmbResCart = panel8Bit_->cmbResCart;
-    cmdOptionSet = panel8Bit_->cmdOptionSet;
-    cmdSnapPicture[0] = panel8Bit_->cmdSnapPicture;
-    imgFloppy = panel8Bit_->imgFloppy;
-    txtFloppy = panel8Bit_->txtFloppy;
-    lblFloppyNum = panel8Bit_->lblFloppyNum;
+    frame8Bit = new Panel8Bit(this);
+    cmdSnapPicture[0] = frame8Bit->cmdSnapPicture;
     for (int i = 0; i < 3; ++i) {
-        picAtari[i] = panel8Bit_->picAtari[i];
-        connect(chkOSType[i], &QPushButton::toggled, this, [this, i] { chkOSType_Click(i); });
+        picAtari[i] = frame8Bit->picAtari[i];
+        connect(frame8Bit->chkOSType[i], &QPushButton::toggled, this, [this, i] { chkOSType_Click(i); });
     }
     // Only the user's choice hands a cartridge over; filling the list must not.
-    connect(cmbResCart, &QComboBox::activated, this, [this] { guarded([&] { cmbResCart_Click(); }); });
-    connect(cmdOptionSet, &QPushButton::clicked, this, [this] { guarded([&] { cmdOptionSet_Click(); }); });
+    connect(frame8Bit->cmbResCart, &QComboBox::activated, this,
+            [this] { guarded([&] { cmbResCart_Click(); }); });
+    connect(frame8Bit->cmdOptionSet, &QPushButton::clicked, this,
+            [this] { guarded([&] { cmdOptionSet_Click(); }); });
     connect(cmdSnapPicture[0], &QPushButton::clicked, this, [this] { cmdSnapPicture_Click(0); });
     cmdSnapPicture[0]->installEventFilter(this); // the right button starts the run down the list
     for (int i = 0; i < 2; ++i)
-        imgFloppy[i]->installEventFilter(this); // drops of a dragged program
+        frame8Bit->imgFloppy[i]->installEventFilter(this); // drops of a dragged program
 }
 
 void frmMain::buildOtherMachinePanel() {
@@ -286,13 +276,13 @@ void frmMain::loadTabs() {
     }
     if (CategoryTabs->currentIndex() != currentTab_ && CategoryTabs->currentIndex() >= 0)
         CategoryTabs_TabActivate(CategoryTabs->currentIndex());
-    const QSignalBlocker block(cmbResCart);
-    cmbResCart->clear();
-    cmbResCart->addItem(QStringLiteral("No Cartridge"), 0);
+    const QSignalBlocker block(frame8Bit->cmbResCart);
+    frame8Bit->cmbResCart->clear();
+    frame8Bit->cmbResCart->addItem(QStringLiteral("No Cartridge"), 0);
     for (const CartridgeRecord& cartridge : catalogue.cartridges())
-        cmbResCart->addItem(cartridge.cartName, cartridge.cartCode);
+        frame8Bit->cmbResCart->addItem(cartridge.cartName, cartridge.cartCode);
     // Nothing is chosen until the user picks an item.
-    cmbResCart->setCurrentIndex(-1);
+    frame8Bit->cmbResCart->setCurrentIndex(-1);
 }
 
 void frmMain::GeneralInit() {
@@ -375,7 +365,7 @@ bool frmMain::eventFilter(QObject* watched, QEvent* event) {
         }
     }
     for (int i = 0; i < 2; ++i) {
-        if (watched != imgFloppy[i]) continue;
+        if (watched != frame8Bit->imgFloppy[i]) continue;
         if (event->type() == QEvent::DragEnter || event->type() == QEvent::DragMove) {
             auto* drag = static_cast<QDragMoveEvent*>(event);
             if (drag->mimeData()->hasFormat(kProgramDrag)) drag->acceptProposedAction();
@@ -425,14 +415,14 @@ int frmMain::listCount() const {
 }
 
 QString frmMain::floppyTag(int index) const {
-    return panel8Bit_->floppyTag(index);
+    return frame8Bit->floppyTag(index);
 }
 
 void frmMain::setFloppy(int index, const DiskSlot& slot) {
     const QLabel* picture = slot.picture == DiskSlot::Picture::Disk  ? imgLoadDisk
                             : slot.picture == DiskSlot::Picture::Exe ? imgLoadExe
                                                                      : imgLoadDiskOff;
-    panel8Bit_->setFloppy(index, slot.text, slot.tag, picture->pixmap());
+    frame8Bit->setFloppy(index, slot.text, slot.tag, picture->pixmap());
 }
 
 void frmMain::prgList_MouseDown() {
@@ -470,7 +460,7 @@ void frmMain::imgFloppy_DragDrop(int index) {
 }
 
 void frmMain::cmdOptionSet_Click() {
-    PanelSettings settings = panel8Bit_->settings();
+    PanelSettings settings = frame8Bit->settings();
     settings.description = txtDescription->toPlainText();
     settings.name = txtName->text();
     if (!saveProgramSettings(cataloguePath_, selectedProgramCode(), settings)) return;
@@ -517,7 +507,7 @@ void frmMain::prgList_Click() {
         if (view->machinePicture >= 3) picAtari[view->machinePicture]->show();
         cmdSnapPicture[1]->setVisible(view->snapPicture1);
     }
-    panel8Bit_->showSettings(*view);
+    frame8Bit->showSettings(*view);
     txtDescription->setPlainText(view->description);
     txtName->setText(view->name);
 }
@@ -527,8 +517,9 @@ void frmMain::prgList_DblClick() {
     if (code == 0) return; // nothing selected, nothing to run
     // The display modes come from the controls, saved or not. A list that shows its placeholder
     // stands on its first row.
-    const LaunchControls controls{std::max(0, cmbArtifact->currentIndex()),
-                                  std::max(0, cmbStretch->currentIndex()), cmbResCart->currentIndex()};
+    const LaunchControls controls{std::max(0, frame8Bit->cmbArtifact->currentIndex()),
+                                  std::max(0, frame8Bit->cmbStretch->currentIndex()),
+                                  frame8Bit->cmbResCart->currentIndex()};
     if (const auto name = launchProgram(host_, cataloguePath_, code, controls, windowsVersion_))
         lastProgramName_ = *name;
 }
@@ -536,19 +527,19 @@ void frmMain::prgList_DblClick() {
 void frmMain::chkOSType_Click(int index) {
     for (int i = 3; i < 9; ++i)
         picAtari[i]->hide();
-    panel8Bit_->chkOSType_Click(index);
+    frame8Bit->chkOSType_Click(index);
 }
 
 void frmMain::chkBasic_Click() {
-    panel8Bit_->chkBasic_Click();
+    frame8Bit->chkBasic_Click();
 }
 
 void frmMain::chkNTSC_Click() {
-    panel8Bit_->chkNTSC_Click();
+    frame8Bit->chkNTSC_Click();
 }
 
 void frmMain::cmbResCart_Click() {
-    ql::cmbResCart_Click(host_.registry, cataloguePath_, cmbResCart->currentData().toInt());
+    ql::cmbResCart_Click(host_.registry, cataloguePath_, frame8Bit->cmbResCart->currentData().toInt());
 }
 
 void frmMain::guarded(const std::function<void()>& handler) {

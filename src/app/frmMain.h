@@ -1,6 +1,7 @@
 #pragma once
 #include "DiskSlots.h"
 #include "Host.h"
+#include "Panel8Bit.h"
 #include "ProgramList.h"
 #include "ProgramListModel.h"
 #include "Snapshot.h"
@@ -20,8 +21,6 @@ class QPushButton;
 class QTabBar;
 
 namespace ql {
-
-class Panel8Bit;
 
 class frmMain : public QWidget, public MainFormOps, public SnapshotForm {
     Q_OBJECT
@@ -94,22 +93,10 @@ public:
     std::array<QPushButton*, 3> cmdEdit{};
     QPushButton* cmdLoadUtilForm = nullptr;
     QPushButton* cmdClose = nullptr;
-    QFrame* frame8Bit = nullptr;
+    Panel8Bit* frame8Bit = nullptr; // the 8-bit panel, with its controls under their own names
     QFrame* frameAtari = nullptr;
 
-    // frame8Bit, a Panel8Bit: its controls under the form's names
-    std::array<QPushButton*, 3> chkOSType{};
-    QPushButton* chkBasic = nullptr;
-    QPushButton* chkNTSC = nullptr;
-    QComboBox* cmbRAM = nullptr;
-    QComboBox* cmbArtifact = nullptr;
-    QComboBox* cmbStretch = nullptr;
-    QComboBox* cmbResCart = nullptr;
-    QPushButton* cmdOptionSet = nullptr;
     std::array<QPushButton*, 2> cmdSnapPicture{}; // 0 in frame8Bit, 1 in frameAtari
-    std::array<QLabel*, 4> imgFloppy{};
-    std::array<QLineEdit*, 4> txtFloppy{};
-    std::array<QLabel*, 4> lblFloppyNum{};
     // 0 to 2 in frame8Bit, by machine box; 3 to 8 in frameAtari, by family.
     std::array<QLabel*, 9> picAtari{};
     // Hidden holders of the stock pictures.
@@ -144,7 +131,6 @@ private:
     QString lastProgramName_;
     bool dragPending_ = false;
     QPoint dragStart_;
-    Panel8Bit* panel8Bit_ = nullptr;
     // Set while UpdateListBox selects its first row.
     bool refillingList_ = false;
     AutomaticPictureRun pictureRun_;

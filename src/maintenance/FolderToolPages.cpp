@@ -51,6 +51,13 @@ QString removalQuestion(const QStringList& files) {
         .arg(shown.join(QLatin1Char('\n')));
 }
 
+int filesIn(const std::vector<DuplicateGroup>& groups) {
+    int n = 0;
+    for (const auto& group : groups)
+        n += static_cast<int>(group.files.size());
+    return n;
+}
+
 } // namespace
 
 pageFindUnique::pageFindUnique(Host& host, std::function<QString()> cataloguePath, QWidget* parent)
@@ -185,9 +192,7 @@ void pageAdvanced::Command1_Click() {
             ToolCounts counts;
             if (!doomed.isEmpty() && host_.dialogs.askYesNo(removalQuestion(doomed)))
                 counts = removeFiles(doomed, progress);
-            counts.scanned = 0;
-            for (const auto& group : groups)
-                counts.scanned += static_cast<int>(group.files.size());
+            counts.scanned = filesIn(groups);
             return counts;
         },
         QStringLiteral("Done!"));
@@ -200,9 +205,7 @@ void pageAdvanced::cmdCopyUnique_Click() {
         [&](const ToolProgressFn& progress) {
             const auto groups = collectDuplicateGroups(cataloguePath_(), source, host_.fileSystem, progress);
             ToolCounts counts = copyUniqueFiles(groups, dest, progress);
-            counts.scanned = 0;
-            for (const auto& group : groups)
-                counts.scanned += static_cast<int>(group.files.size());
+            counts.scanned = filesIn(groups);
             return counts;
         },
         QStringLiteral("Done!"));

@@ -42,7 +42,7 @@ protected:
     int checkedBox() const {
         int found = -1;
         for (int i = 0; i < 3; ++i)
-            if (form->chkOSType[i]->isChecked()) found = found == -1 ? i : 99;
+            if (form->frame8Bit->chkOSType[i]->isChecked()) found = found == -1 ? i : 99;
         return found;
     }
     int shownMachine() const {
@@ -62,26 +62,27 @@ protected:
 } // namespace
 
 TEST_F(OptionPanelTest, StoredMemoryWinsAndMachineClicksKeepTheMemoryInLine) {
-    EXPECT_EQ(std::make_tuple(checkedBox(), shownMachine(), form->cmbRAM->currentText(),
-                              form->chkBasic->text(), form->chkNTSC->text(), form->cmbArtifact->currentText(),
-                              form->cmbStretch->currentText()),
+    EXPECT_EQ(std::make_tuple(checkedBox(), shownMachine(), form->frame8Bit->cmbRAM->currentText(),
+                              form->frame8Bit->chkBasic->text(), form->frame8Bit->chkNTSC->text(),
+                              form->frame8Bit->cmbArtifact->currentText(),
+                              form->frame8Bit->cmbStretch->currentText()),
               std::make_tuple(0, 0, QString("64 K"), QString("Basic On"), QString("PAL"), QString("GTIA"),
                               QString("Smooth")));
     select(4); // XL/XE, 1088 K
-    form->chkOSType[0]->click();
+    form->frame8Bit->chkOSType[0]->click();
     EXPECT_EQ(checkedBox(), 0);
-    EXPECT_EQ(form->cmbRAM->currentText(), "48 K");
-    form->chkOSType[2]->click();
+    EXPECT_EQ(form->frame8Bit->cmbRAM->currentText(), "48 K");
+    form->frame8Bit->chkOSType[2]->click();
     EXPECT_EQ(shownMachine(), 2);
-    EXPECT_EQ(form->cmbRAM->currentText(), "64 K");
-    form->chkOSType[2]->click(); // the box that is set: cleared and set again
+    EXPECT_EQ(form->frame8Bit->cmbRAM->currentText(), "64 K");
+    form->frame8Bit->chkOSType[2]->click(); // the box that is set: cleared and set again
     EXPECT_EQ(checkedBox(), 2);
-    form->cmbRAM->setCurrentIndex(2); // 16 K suits the next machine too
-    form->chkOSType[1]->click();
-    EXPECT_EQ(form->cmbRAM->currentText(), "16 K");
-    form->chkBasic->click();
-    form->chkNTSC->click();
-    EXPECT_EQ(form->chkBasic->text() + " " + form->chkNTSC->text(), "Basic On PAL");
+    form->frame8Bit->cmbRAM->setCurrentIndex(2); // 16 K suits the next machine too
+    form->frame8Bit->chkOSType[1]->click();
+    EXPECT_EQ(form->frame8Bit->cmbRAM->currentText(), "16 K");
+    form->frame8Bit->chkBasic->click();
+    form->frame8Bit->chkNTSC->click();
+    EXPECT_EQ(form->frame8Bit->chkBasic->text() + " " + form->frame8Bit->chkNTSC->text(), "Basic On PAL");
 }
 
 TEST_F(OptionPanelTest, EachFamilyShowsItsPanelAndEachRowItsOwnPicture) {
@@ -113,8 +114,9 @@ TEST_F(OptionPanelTest, EachFamilyShowsItsPanelAndEachRowItsOwnPicture) {
 TEST_F(OptionPanelTest, CartridgeGoesOutOnlyWhenChosenAndTheLaunchTakesTheControls) {
     EXPECT_TRUE(world.fake().registry.writes.empty()) << "filling the list hands nothing over";
     world.fake().associations.extensions = {{"xex", "emu %f"}};
-    form->cmbArtifact->setCurrentIndex(1); // changed, not saved: still counts
-    form->cmbResCart->setCurrentIndex(1);  // not the user's choice: nothing yet; the launch leaves it
+    form->frame8Bit->cmbArtifact->setCurrentIndex(1); // changed, not saved: still counts
+    form->frame8Bit->cmbResCart->setCurrentIndex(
+        1); // not the user's choice: nothing yet; the launch leaves it
     QTest::keyClick(form->prgList, Qt::Key_Return);
     const auto writes = world.fake().registry.briefs();
     EXPECT_EQ(std::count(writes.begin(), writes.end(), "screenArtifactMode=dword:1"), 1);
@@ -123,7 +125,7 @@ TEST_F(OptionPanelTest, CartridgeGoesOutOnlyWhenChosenAndTheLaunchTakesTheContro
     EXPECT_EQ(world.fake().processes.started.size(), 1u);
 
     world.fake().registry.writes.clear();
-    emit form->cmbResCart->activated(1);
+    emit form->frame8Bit->cmbResCart->activated(1);
     const QString rom = world.path("carts/Action!.rom");
     EXPECT_EQ(
         world.fake().registry.briefs(),

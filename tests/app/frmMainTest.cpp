@@ -125,23 +125,23 @@ TEST_F(MainFormTest, TabsNamedLaterCanBeReachedAfterTheRefresh) {
 TEST_F(MainFormTest, DrivesSaveAndRunAndRecordCommands) {
     const QPoint starRaiders = form->prgList->visualRect(form->prgList->model()->index(3, 0)).center();
     QTest::mouseClick(form->prgList->viewport(), Qt::LeftButton, {}, starRaiders);
-    EXPECT_EQ(form->txtFloppy[0]->text(), "Star Raiders.atr");
+    EXPECT_EQ(form->frame8Bit->txtFloppy[0]->text(), "Star Raiders.atr");
     QTest::keyClick(form->prgList, Qt::Key_Down); // Yars' Revenge, by keyboard: the drives stay
-    EXPECT_EQ(form->txtFloppy[0]->text(), "Star Raiders.atr");
+    EXPECT_EQ(form->frame8Bit->txtFloppy[0]->text(), "Star Raiders.atr");
 
     // A drop on drive 2 with no emulator running fills the drive.
     QMimeData data;
     data.setData("application/x-quaylight-program", {});
     QDragEnterEvent enter({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, {});
-    QCoreApplication::sendEvent(form->imgFloppy[1], &enter);
+    QCoreApplication::sendEvent(form->frame8Bit->imgFloppy[1], &enter);
     ASSERT_TRUE(enter.isAccepted());
     QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, {});
-    QCoreApplication::sendEvent(form->imgFloppy[1], &drop);
+    QCoreApplication::sendEvent(form->frame8Bit->imgFloppy[1], &drop);
     EXPECT_EQ(form->floppyTag(1), "/atari/Yars' Revenge.atr");
 
     form->txtName->setText("Yars");
-    form->chkNTSC->setChecked(false);
-    QTest::mouseClick(form->cmdOptionSet, Qt::LeftButton);
+    form->frame8Bit->chkNTSC->setChecked(false);
+    QTest::mouseClick(form->frame8Bit->cmdOptionSet, Qt::LeftButton);
     const int code = form->selectedProgramCode();
     const ProgramRecord saved = *world.open()->programByCode(code);
     EXPECT_EQ(std::tie(saved.name, saved.video, saved.fileName2, saved.type),

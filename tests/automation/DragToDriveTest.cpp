@@ -94,7 +94,7 @@ TEST(DragToDrive, HandsTheDiskToTheRunningEmulator) {
     ASSERT_TRUE(QTest::qWaitForWindowActive(&form));
 
     const QString drive1 = form.floppyTag(0);
-    drag(dpy.get(), real, form, 1, form.imgFloppy[1]);
+    drag(dpy.get(), real, form, 1, form.frame8Bit->imgFloppy[1]);
     EXPECT_EQ(form.floppyTag(1), disk2);
     EXPECT_EQ(form.floppyTag(0), drive1) << "the other slot is left alone";
     const auto journal = [&] { return fileLines(world.path("emulator.journal")); };
