@@ -133,6 +133,9 @@ pageAdvanced::pageAdvanced(Host& host, std::function<QString()> cataloguePath, Q
     inputs = {Command1,     Text1,     txtDupTarget, cmdCopyUnique, txtDupDest, cmdUnZipFiles, txtUnZipSource,
               txtUnZipSpec, txtRename, cmdUnArcMD,   txtUnARC,      txtUAext,   Command2};
 
+    // File specs are short; the folders get the room.
+    for (QLineEdit* spec : {Text2, txtUnZipSpec, txtChars, txtUAext})
+        spec->setMaximumWidth(80);
     auto* grid = new QGridLayout;
     const auto row = [&](int r, QPushButton* command,
                          std::initializer_list<std::pair<QLabel*, QLineEdit*>> boxes) {
@@ -162,7 +165,7 @@ pageAdvanced::pageAdvanced(Host& host, std::function<QString()> cataloguePath, Q
     grid->addWidget(Command2, 5, 0, Qt::AlignTop);
     grid->addWidget(aTree, 5, 1, 1, 6);
     grid->setColumnStretch(2, 3);
-    grid->setColumnStretch(6, 2);
+    grid->setColumnStretch(6, 3);
     grid->setRowStretch(5, 1);
 
     auto* layout = new QVBoxLayout(this);

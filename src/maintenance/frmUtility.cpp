@@ -47,7 +47,7 @@ frmUtility::frmUtility(Host& host, MainFormOps& mainForm, FileDialogs& fileDialo
         button->setAutoDefault(false);
         button->setDefault(false);
     }
-    resize(820, sizeHint().height()); // room for "Resident Cartridges" and a long folder
+    resize(1000, sizeHint().height()); // room for "Resident Cartridges" and a long folder
     textPalette_ = txtTabName[0]->palette();
 }
 
