@@ -100,5 +100,15 @@ TEST(DragToDrive, HandsTheDiskToTheRunningEmulator) {
     const auto journal = [&] { return fileLines(world.path("emulator.journal")); };
     EXPECT_TRUE(real.waitFor([&] { return journal().contains("disk " + disk2); }, 10))
         << journal().join('\n').toStdString();
+
+    // With no emulator running, the same drag fills the slot and nothing else happens.
+    emulator.kill();
+    emulator.waitForFinished(5000);
+    ASSERT_TRUE(real.waitFor([&] { return !real.windowOpen(kEmulatorTitle); }, 10));
+    real.windows.activate(form.windowTitle());
+    const auto sent = journal().size();
+    drag(dpy.get(), real, form, 0, form.frame8Bit->imgFloppy[1]);
+    EXPECT_EQ(form.floppyTag(1), disk1);
+    EXPECT_EQ(journal().size(), sent);
     EXPECT_TRUE(real.dialogs.messages.empty());
 }
